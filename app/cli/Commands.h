@@ -1,0 +1,12 @@
+#pragma once
+// Every quillo-cli command is one function with a one-line usage text.
+#include "app/cli/CliOptions.h"
+
+struct CliCommand {
+    const char* name;
+    const char* usage;
+    const char* summary;
+    int (*run)(CliContext& context);
+};
+
+int runList(CliContext& context);

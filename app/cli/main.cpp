@@ -1,0 +1,57 @@
+// quillo-cli: Quillo's library, players and renderer from the command line.
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "app/LibraryLocation.h"
+#include "app/cli/Commands.h"
+
+namespace {
+
+const CliCommand kCommands[] = {
+    {"list", "list sounds|loops|tracks", "print the library: FOLDER<TAB>NAME<TAB>ARTIST per line", runList},
+};
+
+void printUsage(FILE* out) {
+    std::fprintf(out, "usage: quillo-cli [--library DIR] COMMAND [ARGS]\n\ncommands:\n");
+    for (const CliCommand& c : kCommands) std::fprintf(out, "  %-40s %s\n", c.usage, c.summary);
+    std::fprintf(out,
+                 "\noptions:\n  --library DIR   the library folder (default: $QUILLO_LIBRARY or "
+                 "~/.local/share/Quillo)\n");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CliContext context;
+    context.libraryFolder = defaultLibraryFolder();
+    int i = 1;
+    for (; i < argc; ++i) {
+        std::string a = argv[i];
+        if (a == "--library") {
+            if (i + 1 >= argc) {
+                std::fprintf(stderr, "quillo-cli: --library needs a folder\n");
+                return 2;
+            }
+            context.libraryFolder = argv[++i];
+        } else if (a == "-h" || a == "--help" || a == "help") {
+            printUsage(stdout);
+            return 0;
+        } else {
+            break;
+        }
+    }
+    if (i >= argc) {
+        printUsage(stderr);
+        return 2;
+    }
+    std::string name = argv[i++];
+    for (; i < argc; ++i) context.args.emplace_back(argv[i]);
+    for (const CliCommand& c : kCommands) {
+        if (name == c.name) return c.run(context);
+    }
+    std::fprintf(stderr, "quillo-cli: unknown command \"%s\"\n\n", name.c_str());
+    printUsage(stderr);
+    return 2;
+}
