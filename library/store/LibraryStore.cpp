@@ -114,7 +114,10 @@ std::unique_ptr<LibraryStore> LibraryStore::open(const std::string& path, StoreE
     }
     sqlite3_finalize(q);
     if (tables < 0) {
-        store->fail(error, "The library store is not a database");
+        int code = sqlite3_errcode(store->db_);
+        store->fail(error, code == SQLITE_NOTADB    ? "The library store is not a database"
+                           : code == SQLITE_CORRUPT ? "The library store is damaged"
+                                                    : "The library store could not be read");
         return nullptr;
     }
     auto pragmaInt = [&](const char* sql) {

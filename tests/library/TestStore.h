@@ -1,0 +1,64 @@
+#pragma once
+// A real store in a fresh temporary folder, with CoreDater pointed at it.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "library/CoreDater.h"
+#include "library/store/LibraryStore.h"
+#include "library/util/Log.h"
+
+class TempDir {
+public:
+    TempDir() {
+        std::string tmpl = (std::filesystem::temp_directory_path() / "quillo-test-XXXXXX").string();
+        path_ = mkdtemp(tmpl.data());
+    }
+    ~TempDir() {
+        std::error_code ec;
+        std::filesystem::remove_all(path_, ec);
+    }
+    const std::string& path() const { return path_; }
+    std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
+// Collects log lines for the life of the object.
+class LogCapture {
+public:
+    LogCapture() {
+        quillo_log::setSink([this](const std::string& l) { lines.push_back(l); });
+    }
+    ~LogCapture() { quillo_log::setSink(nullptr); }
+    bool contains(const std::string& text) const {
+        for (const auto& l : lines)
+            if (l.find(text) != std::string::npos) return true;
+        return false;
+    }
+    std::vector<std::string> lines;
+};
+
+class StoreTest : public ::testing::Test {
+protected:
+    void SetUp() override { reopen(); }
+    void TearDown() override { CoreDater::shIns().setManagedObjectContext(nullptr); }
+    // Drops the in-memory store and reads the file again from scratch.
+    void reopen() {
+        CoreDater::shIns().setManagedObjectContext(nullptr);
+        store.reset();
+        StoreError error;
+        store = LibraryStore::open(dir.file(LibraryStore::kFileName), &error);
+        ASSERT_TRUE(store) << error.text();
+        CoreDater::shIns().setManagedObjectContext(store.get());
+        CoreDater::shIns().setUserArtistNameSource([] { return std::string("Tester"); });
+    }
+    CoreDater& dater() { return CoreDater::shIns(); }
+
+    TempDir dir;
+    std::unique_ptr<LibraryStore> store;
+};
