@@ -113,7 +113,7 @@ TEST_F(CoreDaterTest, DeletingDependentsKeepsTheOtherRowsInOrder) {
     EXPECT_EQ(store->all<LoopSquares>().size(), 2u);  // the removed rows' blocks went with them
     reopen();
     EXPECT_EQ(store->all<TrackLoop>().size(), 2u);
-    EXPECT_EQ(store->all<Instrument>().size(), 4u);  // 3 rows of M's Hat... and loop L's orphans
+    EXPECT_EQ(store->all<Instrument>().size(), 4u);  // deleting L left its 3 rows; M has 1
 }
 
 TEST_F(CoreDaterTest, FoldersAndTextRules) {
