@@ -147,5 +147,6 @@ TEST_F(CoreDaterTest, SquareChainGrowsByWholeBlocksAndSaves) {
     auto* again = store->all<TrackLoop>()[0];
     ASSERT_EQ(again->squares().size(), 4u);
     EXPECT_TRUE(Tacter::isSquareSelected(17, again));
-    EXPECT_DEATH(Tacter::isSquareSelected(0, dater().createTrackLoopWithLoop(loop, {}, 1, 1)), "without square blocks");
+    TrackLoop* bare = dater().createTrackLoopWithLoop(again->loop(), {}, 1, 1);
+    EXPECT_DEATH(Tacter::isSquareSelected(0, bare), "without square blocks");
 }
