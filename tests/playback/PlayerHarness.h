@@ -65,6 +65,18 @@ struct RecordingLoopDelegate : LoopplayerDelegate {
 };
 
 class PlayerHarness : public ::testing::Test {
+public:
+    // Calls one slot's render block directly, as the engine would.
+    static void renderChannel(const std::shared_ptr<AudioChannel>& channel, AudioController* c, uint32_t frames,
+                              int16_t* left, int16_t* right) {
+        AudioBufferList list{};
+        list.mNumberBuffers = 2;
+        list.mBuffers[0] = {1, frames * 2, left};
+        list.mBuffers[1] = {1, frames * 2, right};
+        AudioTimeStamp ts{};
+        channel->render(c, ts, frames, &list);
+    }
+
 protected:
     void SetUp() override {
         Filer::setDocumentsDirectory(docs.path());
@@ -111,17 +123,6 @@ protected:
                 CoreDater::shIns().createInstrumentWithSound(r.sound, Tacter::tacts(r.pattern), static_cast<int16_t>(r.volume)));
         return CoreDater::shIns().createPreloadedLoop("Loop " + std::to_string(++loops), static_cast<int16_t>(bpm),
                                                       instruments, "Test", "Tester");
-    }
-
-    // Calls one slot's render block directly, as the engine would.
-    static void renderChannel(const std::shared_ptr<AudioChannel>& channel, AudioController* c, uint32_t frames,
-                              int16_t* left, int16_t* right) {
-        AudioBufferList list{};
-        list.mNumberBuffers = 2;
-        list.mBuffers[0] = {1, frames * 2, left};
-        list.mBuffers[1] = {1, frames * 2, right};
-        AudioTimeStamp ts{};
-        channel->render(c, ts, frames, &list);
     }
 
     TempDir docs, res;

@@ -1,0 +1,191 @@
+#include "app/AppDelegate.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSettings>
+#include <QUrl>
+
+#include "app/LibraryLocation.h"
+#include "engine/AudioFileLoaderOperation.h"
+#include "engine/AudioFilePlayer.h"
+#include "library/CoreDater.h"
+#include "library/content/Prepopulator.h"
+#include "library/media/Filer.h"
+#include "library/palette/Colorer.h"
+#include "library/store/LibraryStore.h"
+#include "library/text/Localized.h"
+#include "library/text/Utly.h"
+#include "library/util/Log.h"
+#include "playback/Loopplayer.h"
+#include "playback/Trackplayer.h"
+
+namespace {
+AppDelegate* sharedDelegate = nullptr;
+
+// "file:///x/Beat.wav" or a plain path; anything else is not a file.
+bool filePathOf(const std::string& url, std::string* path) {
+    QUrl u(QString::fromStdString(url));
+    if (u.isLocalFile()) {
+        *path = u.toLocalFile().toStdString();
+        return true;
+    }
+    if (!url.empty() && url[0] == '/') {
+        *path = url;
+        return true;
+    }
+    return false;
+}
+}  // namespace
+
+AppDelegate::AppDelegate(AppDelegateOptions options) : options_(std::move(options)) {
+    documents_ = options_.libraryFolder.empty() ? defaultLibraryFolder() : options_.libraryFolder;
+    QDir().mkpath(QString::fromStdString(documents_));
+    Filer::setDocumentsDirectory(documents_);
+    settings_ = options_.settingsFile.empty()
+                    ? std::make_unique<QSettings>("Quillo", "Quillo")
+                    : std::make_unique<QSettings>(QString::fromStdString(options_.settingsFile), QSettings::IniFormat);
+    sharedDelegate = this;
+    PlaybackContext::setShared(&playback_);
+    CoreDater::shIns().setUserArtistNameSource([this] { return usersArtistName; });
+}
+
+AppDelegate::~AppDelegate() {
+    removeAllChannelsFromAC();
+    removeOnesht();
+    if (controller_) controller_->stop();
+    CoreDater::shIns().setManagedObjectContext(nullptr);
+    CoreDater::shIns().setUserArtistNameSource(nullptr);
+    PlaybackContext::setShared(nullptr);
+    if (sharedDelegate == this) sharedDelegate = nullptr;
+}
+
+AppDelegate* AppDelegate::shared() { return sharedDelegate; }
+
+bool AppDelegate::didFinishLaunching(const std::string& handedOverFile) {
+    loadState();
+    addAudioControlla();
+    if (baseIsEmpty()) {
+        qlog("baseIsEmpty");
+        Prepopulator::createSounds();
+        Prepopulator::createLoops();
+        Prepopulator::createTracks();
+    }
+    playback_.loopplayers.clear();
+    playback_.trackplayers.clear();
+    playback_.loadedFiles.clear();
+    if (!handedOverFile.empty()) handleOpenURL(handedOverFile);
+    return true;
+}
+
+void AppDelegate::loadState() {
+    QVariant artist = settings_->value("usersArtistName");
+    usersArtistName = artist.isValid() ? artist.toString().toStdString() : std::string();
+    autotrimRecords = settings_->value("autotrimRecords", false).toBool();
+    recordToStereo = settings_->value("recordToStereo", false).toBool();
+    if (!artist.isValid()) {
+        usersArtistName = localized("You");
+        saveState();
+    }
+    // "notFirstTime" is written but never read back, so every launch starts
+    // with trimming on and stereo off: the sound editor's switches last one run.
+    if (!notFirstTime) {
+        notFirstTime = true;
+        recordToStereo = false;
+        autotrimRecords = true;
+        saveState();
+    }
+}
+
+void AppDelegate::saveState() {
+    settings_->setValue("usersArtistName", QString::fromStdString(usersArtistName));
+    settings_->setValue("autotrimRecords", autotrimRecords);
+    settings_->setValue("notFirstTime", notFirstTime);
+    settings_->setValue("recordToStereo", recordToStereo);
+    settings_->sync();
+}
+
+void AppDelegate::addAudioControlla() {
+    AudioControllerOptions options;
+    options.driver = options_.driver;
+    options.mainThread = options_.mainThread;
+    controller_ = std::make_unique<AudioController>(AudioController::nonInterleaved16BitStereoAudioDescription(),
+                                                    false, options);
+    playback_.audioController = controller_.get();
+    Filer::setAudioController(controller_.get());
+    AudioError error;
+    if (!controller_->start(&error)) qlog("%s", error.localizedDescription.c_str());
+}
+
+bool AppDelegate::baseIsEmpty() {
+    managedObjectContext();
+    return CoreDater::shIns().getAllItemsOfEntity("Sound").empty();
+}
+
+LibraryStore* AppDelegate::managedObjectContext() {
+    if (!store_) {
+        store_ = LibraryStore::openOrExit(storePathInLibrary(documents_));
+        CoreDater::shIns().setManagedObjectContext(store_.get());
+    }
+    return store_.get();
+}
+
+void AppDelegate::removeAllChannelsFromAC() {
+    // Pause every player first: the teardown below frees shared sounds while
+    // later players in the list are still in the engine, and a paused render
+    // block reads nothing.
+    for (auto& p : playback_.loopplayers) p->setPausd(true);
+    for (auto& p : playback_.loopplayers) {
+        p->stopLoopplayer();
+        p->reallyFreeLoadedFiles();
+    }
+    playback_.loopplayers.clear();
+    for (auto& t : playback_.trackplayers) t->stopTrackplayer();
+    playback_.trackplayers.clear();
+    if (!playback_.loadedFiles.empty()) {
+        for (auto& entry : playback_.loadedFiles) Filer::freeBufList(entry.second->bufferList());
+        playback_.loadedFiles.clear();
+    }
+    if (!controller_) return;
+    auto channels = controller_->channels();
+    if (!channels.empty()) controller_->removeChannels(channels);
+    for (auto& r : controller_->inputReceivers()) controller_->removeInputReceiver(r);
+    for (auto& r : controller_->outputReceivers()) controller_->removeOutputReceiver(r);
+}
+
+void AppDelegate::removeOnesht() {
+    if (!oneshot) return;
+    if (controller_) controller_->removeChannels({oneshot});
+    oneshot.reset();
+}
+
+bool AppDelegate::openURL(const std::string& url) {
+    std::string path;
+    if (filePathOf(url, &path)) handleOpenURL(path);
+    return true;
+}
+
+void AppDelegate::handleOpenURL(const std::string& url) {
+    std::string path;
+    if (!filePathOf(url, &path)) return;
+    // A file that does not open as audio is refused with a message, and
+    // nothing (not even the handed-over file) is touched.
+    AudioStreamDescription format{};
+    uint64_t frames = 0;
+    AudioError error;
+    if (!AudioFileLoaderOperation::infoForFileAtURL(path, &format, &frames, &error)) {
+        qlog("Import refused: %s is not a sound file Quillo can play (%s)", path.c_str(),
+             error.localizedDescription.c_str());
+        return;
+    }
+    managedObjectContext();
+    std::string wanted = QFileInfo(QString::fromStdString(path)).completeBaseName().toStdString();
+    std::string name = Utly::changeNameOf("Sound", wanted);
+    Filer::copyFile(path, Filer::urlForUsersSoundWithName(name));
+    CoreDater::shIns().createRecordedSound(name, static_cast<int16_t>(Colorer::randomColorNum()), localized("Imported"));
+    reloadSoundsList();
+    Filer::deleteFileFromUrl(path);
+}
+
+void AppDelegate::reloadSoundsList() {
+    if (soundsListReloader) soundsListReloader();
+}

@@ -1,0 +1,78 @@
+#pragma once
+// The one long-lived owner of Quillo's process-wide state: settings, the
+// library store, the audio engine, the live players and the shared cache of
+// loaded sounds. Screens reach it through AppDelegate::shared(). It holds no
+// window code: the window (or the command-line tool) sits on top of it.
+// Main thread only.
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/AudioController.h"
+#include "playback/PlaybackContext.h"
+
+class AudioFilePlayer;
+class LibraryStore;
+class QSettings;
+
+struct AppDelegateOptions {
+    std::string libraryFolder;  // the documents folder; empty: the default library folder
+    std::string settingsFile;   // an INI file for the settings; empty: the user's Quillo settings
+    AudioDriverKind driver = AudioDriverKind::Automatic;
+    MainThread* mainThread = nullptr;
+};
+
+class AppDelegate {
+public:
+    explicit AppDelegate(AppDelegateOptions options);
+    ~AppDelegate();
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+
+    // The application's delegate, while one exists.
+    static AppDelegate* shared();
+
+    // Launch: settings, engine, built-in content when the store holds no
+    // sound, player lists, then the import of a handed-over file if any.
+    bool didFinishLaunching(const std::string& handedOverFile = {});
+    void loadState();
+    void saveState();
+    void addAudioControlla();
+    bool baseIsEmpty();
+
+    LibraryStore* managedObjectContext();  // opened on first use; a bad store ends the process
+    const std::string& applicationDocumentsDirectory() const { return documents_; }
+
+    // Silences everything, in a fixed order (players, cache, receivers, channels).
+    void removeAllChannelsFromAC();
+    void removeOnesht();
+
+    // A file handed over by another program: imported as a new sound in "Imported".
+    bool openURL(const std::string& url);
+    void handleOpenURL(const std::string& url);
+    void reloadSoundsList();
+    std::function<void()> soundsListReloader;  // set by the sounds list while it is on top
+
+    // Settings.
+    std::string usersArtistName;
+    bool autotrimRecords = true;
+    bool recordToStereo = false;
+    bool notFirstTime = false;
+
+    AudioController* audioController() const { return controller_.get(); }
+    PlaybackContext& playback() { return playback_; }
+    std::vector<std::shared_ptr<Loopplayer>>& loopplayers() { return playback_.loopplayers; }
+    std::vector<std::shared_ptr<Trackplayer>>& trackplayers() { return playback_.trackplayers; }
+    std::map<std::string, std::shared_ptr<AudioFileLoaderOperation>>& loadedFiles() { return playback_.loadedFiles; }
+    std::shared_ptr<AudioFilePlayer> oneshot;  // a sound played once (preview)
+
+private:
+    AppDelegateOptions options_;
+    std::string documents_;
+    std::unique_ptr<QSettings> settings_;
+    std::unique_ptr<LibraryStore> store_;
+    std::unique_ptr<AudioController> controller_;
+    PlaybackContext playback_;
+};
