@@ -164,9 +164,9 @@ bool AppDelegate::openURL(const std::string& url) {
     return true;
 }
 
-void AppDelegate::handleOpenURL(const std::string& url) {
+Sound* AppDelegate::handleOpenURL(const std::string& url) {
     std::string path;
-    if (!filePathOf(url, &path)) return;
+    if (!filePathOf(url, &path)) return nullptr;
     // A file that does not open as audio is refused with a message, and
     // nothing (not even the handed-over file) is touched.
     AudioStreamDescription format{};
@@ -175,15 +175,17 @@ void AppDelegate::handleOpenURL(const std::string& url) {
     if (!AudioFileLoaderOperation::infoForFileAtURL(path, &format, &frames, &error)) {
         qlog("Import refused: %s is not a sound file Quillo can play (%s)", path.c_str(),
              error.localizedDescription.c_str());
-        return;
+        return nullptr;
     }
     managedObjectContext();
     std::string wanted = QFileInfo(QString::fromStdString(path)).completeBaseName().toStdString();
     std::string name = Utly::changeNameOf("Sound", wanted);
     Filer::copyFile(path, Filer::urlForUsersSoundWithName(name));
-    CoreDater::shIns().createRecordedSound(name, static_cast<int16_t>(Colorer::randomColorNum()), localized("Imported"));
+    Sound* sound = CoreDater::shIns().createRecordedSound(name, static_cast<int16_t>(Colorer::randomColorNum()),
+                                                          localized("Imported"));
     reloadSoundsList();
     Filer::deleteFileFromUrl(path);
+    return sound;
 }
 
 void AppDelegate::reloadSoundsList() {

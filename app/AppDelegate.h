@@ -14,6 +14,7 @@
 #include "playback/PlaybackContext.h"
 
 class AudioFilePlayer;
+class Sound;
 class LibraryStore;
 class QSettings;
 
@@ -51,7 +52,8 @@ public:
 
     // A file handed over by another program: imported as a new sound in "Imported".
     bool openURL(const std::string& url);
-    void handleOpenURL(const std::string& url);
+    // Returns the new sound, or none when the file was refused.
+    Sound* handleOpenURL(const std::string& url);
     void reloadSoundsList();
     std::function<void()> soundsListReloader;  // set by the sounds list while it is on top
 

@@ -10,3 +10,6 @@ struct CliCommand {
 };
 
 int runList(CliContext& context);
+int runRender(CliContext& context);
+int runPlay(CliContext& context);
+int runImport(CliContext& context);
