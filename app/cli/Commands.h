@@ -10,3 +10,4 @@ struct CliCommand {
 };
 
 int runList(CliContext& context);
+int runPrintLoops(CliContext& context);
