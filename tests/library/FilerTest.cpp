@@ -74,6 +74,10 @@ TEST_F(FilerTest, BuiltInSoundsUseResourcesAndUserSoundsTheLibraryFolder) {
     EXPECT_TRUE(fs::is_directory(root_ + "/tmp"));
 }
 
+TEST(FilerLocations, BuiltInSoundsAreFoundNextToTheProgram) {
+    EXPECT_EQ(fs::weakly_canonical(Filer::resourceDirectory()), fs::weakly_canonical(QUILLO_BUILD_SOUNDS_DIR));
+}
+
 TEST_F(FilerTest, TheTwoNameFormsKeepDotsAndDifferOnTrailingSlashes) {
     EXPECT_EQ(Filer::wavf("a.b"), "a.b.wav");  // added, never replacing ".b"
     EXPECT_EQ(Filer::jpgf("a.b"), "a.b.jpg");
