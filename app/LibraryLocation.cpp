@@ -1,16 +1,11 @@
 #include "app/LibraryLocation.h"
 
 #include <QDir>
-#include <QStandardPaths>
-#include <cstdlib>
 
+#include "library/media/Filer.h"
 #include "library/store/LibraryStore.h"
 
-std::string defaultLibraryFolder() {
-    if (const char* env = std::getenv("QUILLO_LIBRARY"); env && *env) return env;
-    QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    return QDir(base).filePath("Quillo").toStdString();
-}
+std::string defaultLibraryFolder() { return Filer::defaultDocumentsDirectory(); }
 
 std::string storePathInLibrary(const std::string& folder) {
     QDir().mkpath(QString::fromStdString(folder));

@@ -13,3 +13,4 @@ int runList(CliContext& context);
 int runRender(CliContext& context);
 int runPlay(CliContext& context);
 int runImport(CliContext& context);
+int runPrintLoops(CliContext& context);

@@ -1,13 +1,13 @@
 // quillo-cli list sounds|loops|tracks: one line per item, FOLDER<TAB>NAME<TAB>ARTIST,
-// folders newest first and items in folder order.
+// folders newest first and items in folder order. A library without sounds
+// gets the built-in content first, as at the program's launch.
 #include <cstdio>
 #include <memory>
 #include <string>
 
-#include "app/LibraryLocation.h"
 #include "app/cli/Commands.h"
 #include "library/CoreDater.h"
-#include "library/store/LibraryStore.h"
+#include "library/content/OpenedLibrary.h"
 
 namespace {
 
@@ -39,12 +39,10 @@ int runList(CliContext& context) {
         std::fprintf(stderr, "quillo-cli list: unknown kind \"%s\" (sounds, loops or tracks)\n", kind.c_str());
         return 2;
     }
-    auto store = LibraryStore::openOrExit(storePathInLibrary(context.libraryFolder));
+    auto library = OpenedLibrary::open(context.libraryFolder);
     CoreDater& dater = CoreDater::shIns();
-    dater.setManagedObjectContext(store.get());
     if (kind == "sounds") printFolders<SoundFolder, Sound>(dater, "SoundFolder", "Sound");
     else if (kind == "loops") printFolders<LoopFolder, Loop>(dater, "LoopFolder", "Loop");
     else printFolders<TrackFolder, Track>(dater, "TrackFolder", "Track");
-    dater.setManagedObjectContext(nullptr);
     return 0;
 }

@@ -11,6 +11,7 @@ namespace {
 
 const CliCommand kCommands[] = {
     {"list", "list sounds|loops|tracks", "print the library: FOLDER<TAB>NAME<TAB>ARTIST per line", runList},
+    {"print-loops", "print-loops", "print the user's loops and tracks as built-in content source", runPrintLoops},
 };
 
 void printUsage(FILE* out) {
