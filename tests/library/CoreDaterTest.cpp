@@ -28,7 +28,7 @@ TEST_F(CoreDaterTest, UniqueNamesNumberFromTwoAndLogEachTakenCandidate) {
     d.createRecordedSound("Beat 2", 1, "My sounds");
     LogCapture log;
     EXPECT_EQ(Utly::changeNameOf("Sound", "Beat"), "Beat 3");
-    EXPECT_EQ(log.lines, (std::vector<std::string>{"exist Beat 3"}));
+    EXPECT_EQ(log.lines(), (std::vector<std::string>{"exist Beat 3"}));
     EXPECT_EQ(Utly::changeNameOf("Loop", "Beat"), "Beat");  // names are unique per kind only
 }
 

@@ -9,7 +9,7 @@
 
 #include "library/CoreDater.h"
 #include "library/store/LibraryStore.h"
-#include "library/util/Log.h"
+#include "tests/library/LogCapture.h"
 
 class TempDir {
 public:
@@ -26,21 +26,6 @@ public:
 
 private:
     std::string path_;
-};
-
-// Collects log lines for the life of the object.
-class LogCapture {
-public:
-    LogCapture() {
-        quillo_log::setSink([this](const std::string& l) { lines.push_back(l); });
-    }
-    ~LogCapture() { quillo_log::setSink(nullptr); }
-    bool contains(const std::string& text) const {
-        for (const auto& l : lines)
-            if (l.find(text) != std::string::npos) return true;
-        return false;
-    }
-    std::vector<std::string> lines;
 };
 
 class StoreTest : public ::testing::Test {
