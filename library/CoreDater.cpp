@@ -59,8 +59,12 @@ std::vector<ManagedObject*> CoreDater::getAllItemsOfEntity(const std::string& en
     Entity e;
     if (!store_ || !entityFromName(entity, &e)) return {};
     std::vector<ManagedObject*> items = store_->objects(e);
-    std::stable_sort(items.begin(), items.end(),
-                     [](const ManagedObject* a, const ManagedObject* b) { return dateOf(a) > dateOf(b); });
+    // Equal dates keep creation order, and objects are listed by ascending id.
+    // (Not stable_sort: clang with Debian's libstdc++ 12 flags its temporary buffer.)
+    std::sort(items.begin(), items.end(), [](const ManagedObject* a, const ManagedObject* b) {
+        if (dateOf(a) != dateOf(b)) return dateOf(a) > dateOf(b);
+        return a->objectID() < b->objectID();
+    });
     return items;
 }
 

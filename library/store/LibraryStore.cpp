@@ -497,8 +497,11 @@ bool LibraryStore::load(StoreError* error) {
     // Children sorted by (owner, position) give every ordered list in order.
     auto wireOrdered = [&](Entity childKind, Entity ownerKind, auto&& append) {
         auto& list = refs[static_cast<int>(childKind)];
-        std::stable_sort(list.begin(), list.end(), [](const Ref& a, const Ref& b) {
-            return a.owner != b.owner ? a.owner < b.owner : a.pos < b.pos;
+        // Rows were read in id order; the id settles equal positions the same way.
+        std::sort(list.begin(), list.end(), [](const Ref& a, const Ref& b) {
+            if (a.owner != b.owner) return a.owner < b.owner;
+            if (a.pos != b.pos) return a.pos < b.pos;
+            return a.child->objectID() < b.child->objectID();
         });
         for (const Ref& r : list) {
             ManagedObject* owner = find(r.owner, ownerKind);
