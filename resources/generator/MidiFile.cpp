@@ -15,6 +15,7 @@ struct Event {
     uint32_t tick;
     int order;  // at equal ticks: set-up first, then note offs, then note ons
     std::vector<uint8_t> bytes;
+    size_t seq = 0;
 };
 
 uint32_t ticks(double seconds) { return uint32_t(std::lround(seconds * kTicksPerSecond)); }
@@ -63,8 +64,11 @@ std::vector<uint8_t> midiFileForSound(const SoundSpec& sound) {
             lastTick = std::max(lastTick, off);
         }
     }
-    std::stable_sort(events.begin(), events.end(), [](const Event& a, const Event& b) {
-        return a.tick != b.tick ? a.tick < b.tick : a.order < b.order;
+    for (size_t i = 0; i < events.size(); ++i) events[i].seq = i;
+    std::sort(events.begin(), events.end(), [](const Event& a, const Event& b) {
+        if (a.tick != b.tick) return a.tick < b.tick;
+        if (a.order != b.order) return a.order < b.order;
+        return a.seq < b.seq;  // otherwise in the order they were made
     });
 
     std::vector<uint8_t> track;
