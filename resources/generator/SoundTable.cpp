@@ -115,9 +115,9 @@ std::vector<SoundSpec> makeTable() {
     // Sound effects.
     add(sound("Crowd", "SFX", 134, Family::Effect, "", {melodic(kApplause, {60}, 1.7, 110)}, 30, 1.95));
     add(sound("Ha Ab", "SFX", 132, Family::Voice, "Ab",
-              {melodic(kChoirAahs, {note("Ab", 4)}, 0.35, 127), melodic(kSynthVoice, {note("Ab", 4)}, 0.35, 110)}, 30));
+              {melodic(kChoirAahs, {note("Ab", 4)}, 0.35, 127), melodic(kSynthVoice, {note("Ab", 4)}, 0.35, 110)}, 30, 1.0));
     add(sound("Ha C", "SFX", 131, Family::Voice, "C",
-              {melodic(kChoirAahs, {note("C", 4)}, 0.35, 127), melodic(kSynthVoice, {note("C", 4)}, 0.35, 110)}, 30));
+              {melodic(kChoirAahs, {note("C", 4)}, 0.35, 127), melodic(kSynthVoice, {note("C", 4)}, 0.35, 110)}, 30, 1.0));
     add(synthesised("Washer", "SFX", 128, Family::Effect, Effect::Washer));
     add(synthesised("Spraypaint", "SFX", 121, Family::Effect, Effect::Spraypaint));
     add(synthesised("Spraypaint shake", "SFX", 123, Family::Effect, Effect::SpraypaintShake));

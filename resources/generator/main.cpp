@@ -212,6 +212,12 @@ int main(int argc, char** argv) {
 
     // ... photos on the main thread, which owns the GUI application.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        const fs::path runtime = o.work / "runtime";
+        fs::create_directories(runtime, ec);
+        fs::permissions(runtime, fs::perms::owner_all, ec);
+        qputenv("XDG_RUNTIME_DIR", QByteArray(runtime.c_str()));
+    }
     int qtArgc = 1;
     char* qtArgv[] = {argv[0], nullptr};
     QGuiApplication app(qtArgc, qtArgv);
