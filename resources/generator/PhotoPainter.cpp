@@ -94,7 +94,7 @@ void drawSax(QPainter& p, const QColor& ink, const QColor& bg) {
 void drawGuitar(QPainter& p, const QColor& ink, const QColor& bg, bool bass) {
     const double lower = bass ? 48 : 58, upper = bass ? 36 : 44;
     const double bodyY = bass ? 225 : 210;
-    const double headTop = bass ? 12 : 30;
+    const double headTop = bass ? 44 : 50;  // below the name
     const int strings = bass ? 4 : 6;
     p.setPen(Qt::NoPen);
     p.setBrush(ink);
