@@ -10,3 +10,4 @@ struct CliCommand {
 };
 
 int runList(CliContext& context);
+int runPlayFile(CliContext& context);

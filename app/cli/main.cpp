@@ -11,6 +11,7 @@ namespace {
 
 const CliCommand kCommands[] = {
     {"list", "list sounds|loops|tracks", "print the library: FOLDER<TAB>NAME<TAB>ARTIST per line", runList},
+    {"play-file", "play-file FILE [--seconds S]", "play a sound file (the null device when there is none)", runPlayFile},
 };
 
 void printUsage(FILE* out) {
