@@ -14,3 +14,4 @@ int runRender(CliContext& context);
 int runPlay(CliContext& context);
 int runImport(CliContext& context);
 int runPrintLoops(CliContext& context);
+int runPlayFile(CliContext& context);
