@@ -145,6 +145,7 @@ void AppDelegate::removeAllChannelsFromAC() {
         for (auto& entry : playback_.loadedFiles) Filer::freeBufList(entry.second->bufferList());
         playback_.loadedFiles.clear();
     }
+    playback_.freeRetiredFiles();
     if (!controller_) return;
     auto channels = controller_->channels();
     if (!channels.empty()) controller_->removeChannels(channels);
