@@ -1,0 +1,403 @@
+#include "engine/AudioFileLoaderOperation.h"
+
+#include <samplerate.h>
+#include <sndfile.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include "engine/AudioController.h"
+#include "library/util/Log.h"
+
+namespace {
+
+constexpr int32_t kFormatNotSupported = int32_t(audioFourCC("fmt?"));  // the converter cannot make the target
+constexpr int32_t kEndOfFile = -39;                                    // data shorter than the file says
+
+AudioError osStatusError(int32_t status, std::string text) {
+    return AudioError{kAudioErrorOSStatusDomain, status, std::move(text)};
+}
+
+std::string withStatus(const char* message, int32_t status) {
+    return std::string(message) + " (error " + audioStatusText(status) + ")";
+}
+
+// A WAV or AIFF whose sample data chunk is shorter than its header declares
+// has been cut off (a copy that did not finish, a full disk). libsndfile
+// quietly plays what is there; its log shows "data : 17640 (should be 9956)".
+// Streaming writers put 0 or all ones there: those files are not truncated.
+bool dataChunkTruncated(SNDFILE* file) {
+    char log[4096] = {};
+    sf_command(file, SFC_GET_LOG_INFO, log, sizeof log - 1);
+    for (const char* line = log; line && *line;) {
+        const char* end = std::strchr(line, '\n');
+        std::string text(line, end ? size_t(end - line) : std::strlen(line));
+        if (text.rfind("data :", 0) == 0 || text.rfind("SSND :", 0) == 0) {
+            unsigned long long declared = 0, actual = 0;
+            const size_t should = text.find("(should be ");
+            if (should != std::string::npos &&
+                std::sscanf(text.c_str() + 6, "%llu", &declared) == 1 &&
+                std::sscanf(text.c_str() + should + 11, "%llu", &actual) == 1) {
+                if (declared > actual && declared != 0 && declared < 0xFFFFFF00ull) return true;
+            }
+        }
+        line = end ? end + 1 : nullptr;
+    }
+    return false;
+}
+
+uint32_t targetLength(double targetRate, double fileRate, int64_t fileFrames) {
+    if (fileFrames <= 0) return 0;
+    if (targetRate == fileRate) return uint32_t(fileFrames);
+    const double t = targetRate, f = fileRate;
+    if (t == std::floor(t) && f == std::floor(f) && t < 1e7 && f < 1e7) {
+        // Exact: ceil(t * frames / f) in integers.
+        const unsigned long long num = (unsigned long long)t * (unsigned long long)fileFrames;
+        const unsigned long long den = (unsigned long long)f;
+        return uint32_t((num + den - 1) / den);
+    }
+    return uint32_t(std::ceil(t / f * double(fileFrames)));
+}
+
+inline int16_t floatToInt16(float x) {
+    const float v = x * 32768.0f;
+    if (v >= 32767.0f) return 32767;
+    if (v <= -32768.0f) return -32768;
+    return int16_t(std::lrintf(v));
+}
+
+// Writes interleaved frames (targetChannels wide) into the target buffers.
+class TargetWriter {
+public:
+    TargetWriter(const AudioStreamDescription& d, AudioBufferList* list)
+        : isFloat_(audioDescriptionIsFloat(d)),
+          nonInterleaved_(audioDescriptionIsNonInterleaved(d)),
+          channels_(d.mChannelsPerFrame),
+          list_(list) {}
+
+    template <class T>
+    void write(const T* src, uint32_t frames, uint32_t at) {
+        if constexpr (std::is_same_v<T, int16_t>) {
+            if (!isFloat_ && nonInterleaved_) {
+                // The common case: 16-bit samples into the engine format.
+                for (uint32_t c = 0; c < channels_; ++c) {
+                    int16_t* dst = static_cast<int16_t*>(list_->mBuffers[c].mData) + at;
+                    for (uint32_t k = 0; k < frames; ++k) dst[k] = src[size_t(k) * channels_ + c];
+                }
+                return;
+            }
+        }
+        for (uint32_t c = 0; c < channels_; ++c) {
+            for (uint32_t k = 0; k < frames; ++k) {
+                const T s = src[size_t(k) * channels_ + c];
+                put(c, at + k, s);
+            }
+        }
+    }
+
+private:
+    void put(uint32_t c, uint32_t frame, int16_t s) {
+        if (isFloat_) slotF(c, frame) = float(s) / 32768.0f;
+        else slotS(c, frame) = s;
+    }
+    void put(uint32_t c, uint32_t frame, float s) {
+        if (isFloat_) slotF(c, frame) = s;
+        else slotS(c, frame) = floatToInt16(s);
+    }
+    int16_t& slotS(uint32_t c, uint32_t frame) {
+        if (nonInterleaved_) return static_cast<int16_t*>(list_->mBuffers[c].mData)[frame];
+        return static_cast<int16_t*>(list_->mBuffers[0].mData)[size_t(frame) * channels_ + c];
+    }
+    float& slotF(uint32_t c, uint32_t frame) {
+        if (nonInterleaved_) return static_cast<float*>(list_->mBuffers[c].mData)[frame];
+        return static_cast<float*>(list_->mBuffers[0].mData)[size_t(frame) * channels_ + c];
+    }
+
+    bool isFloat_, nonInterleaved_;
+    uint32_t channels_;
+    AudioBufferList* list_;
+};
+
+struct SndfileCloser {
+    void operator()(SNDFILE* f) const {
+        if (f) QUILLO_CHECK_RESULT(sf_close(f), "sf_close");
+    }
+};
+
+}  // namespace
+
+std::string audioStatusText(int32_t status) {
+    const uint32_t u = uint32_t(status);
+    char chars[5] = {char(u >> 24), char(u >> 16), char(u >> 8), char(u), 0};
+    std::string four;
+    for (int i = 0; i < 4 && chars[i]; ++i) four.push_back(std::isprint(uint8_t(chars[i])) ? chars[i] : '?');
+    return std::to_string(status) + "/" + four;
+}
+
+bool audioCheckResult(int32_t status, const char* operation, const char* file, int line) {
+    if (status == 0) return true;
+    const uint32_t u = uint32_t(status);
+    std::string four;
+    const char chars[4] = {char(u >> 24), char(u >> 16), char(u >> 8), char(u)};
+    for (char ch : chars) {
+        if (!ch) break;
+        four.push_back(std::isprint(uint8_t(ch)) ? ch : '?');
+    }
+    const char* base = std::strrchr(file, '/');
+    qlog("%s:%d: %s result %d %08X %s\n", base ? base + 1 : file, line, operation, int(status), u, four.c_str());
+    return false;
+}
+
+AudioFileLoaderOperation::AudioFileLoaderOperation(std::string url, const AudioStreamDescription& target)
+    : url_(std::move(url)), target_(target) {
+    const AudioStreamDescription zero{};
+    if (std::memcmp(&target_, &zero, sizeof zero) == 0)
+        target_ = AudioController::nonInterleaved16BitStereoAudioDescription();
+}
+
+bool AudioFileLoaderOperation::infoForFileAtURL(const std::string& url, AudioStreamDescription* description,
+                                                uint64_t* lengthInFrames, AudioError* error) {
+    SF_INFO info{};
+    std::unique_ptr<SNDFILE, SndfileCloser> file(sf_open(url.c_str(), SFM_READ, &info));
+    if (!file) {
+        const int status = sf_error(nullptr);
+        QUILLO_CHECK_RESULT(status ? status : -1, "sf_open");
+        if (error) *error = osStatusError(status ? status : -1, "Couldn't open the audio file");
+        return false;
+    }
+    if (info.channels <= 0 || info.samplerate <= 0 || info.frames < 0) {
+        if (error) *error = osStatusError(kFormatNotSupported, "Couldn't read the audio file");
+        return false;
+    }
+    if (description) {
+        AudioStreamDescription d{};
+        d.mSampleRate = info.samplerate;
+        d.mFormatID = kAudioFormatLinearPCM;
+        const int sub = info.format & SF_FORMAT_SUBMASK;
+        const bool isFloat = sub == SF_FORMAT_FLOAT || sub == SF_FORMAT_DOUBLE;
+        uint32_t bits = 16;
+        switch (sub) {
+            case SF_FORMAT_PCM_S8:
+            case SF_FORMAT_PCM_U8: bits = 8; break;
+            case SF_FORMAT_PCM_24: bits = 24; break;
+            case SF_FORMAT_PCM_32:
+            case SF_FORMAT_FLOAT: bits = 32; break;
+            case SF_FORMAT_DOUBLE: bits = 64; break;
+            default: bits = 16; break;
+        }
+        d.mFormatFlags = (isFloat ? kAudioFormatFlagIsFloat : kAudioFormatFlagIsSignedInteger) | kAudioFormatFlagIsPacked |
+                         ((info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_AIFF ? kAudioFormatFlagIsBigEndian : 0);
+        d.mChannelsPerFrame = uint32_t(info.channels);
+        d.mBitsPerChannel = bits;
+        d.mBytesPerFrame = d.mBytesPerPacket = bits / 8 * d.mChannelsPerFrame;
+        d.mFramesPerPacket = 1;
+        *description = d;
+    }
+    if (lengthInFrames) *lengthInFrames = uint64_t(info.frames);
+    return true;
+}
+
+void AudioFileLoaderOperation::main() {
+    struct Finish {
+        AudioFileLoaderOperation* op;
+        ~Finish() {
+            if (op->completedBlock) op->completedBlock();
+        }
+    } finish{this};
+    bufferList_ = nullptr;
+    lengthInFrames_ = 0;
+    error_.reset();
+
+    // 1. Open.
+    SF_INFO info{};
+    std::unique_ptr<SNDFILE, SndfileCloser> file(sf_open(url_.c_str(), SFM_READ, &info));
+    if (!file) {
+        const int status = sf_error(nullptr) ? sf_error(nullptr) : -1;
+        QUILLO_CHECK_RESULT(status, "sf_open");
+        error_ = osStatusError(status, "Couldn't open the audio file");
+        return;
+    }
+    // 2. The file's format, and whether we can make the target from it.
+    if (info.channels <= 0 || info.samplerate <= 0 || info.frames < 0) {
+        error_ = osStatusError(kFormatNotSupported, "Couldn't read the audio file");
+        return;
+    }
+    const AudioStreamDescription& t = target_;
+    const bool targetOk = t.mFormatID == kAudioFormatLinearPCM && t.mSampleRate > 0 && t.mChannelsPerFrame >= 1 &&
+                          t.mChannelsPerFrame <= 2 &&
+                          ((audioDescriptionIsFloat(t) && t.mBitsPerChannel == 32) ||
+                           (!audioDescriptionIsFloat(t) && t.mBitsPerChannel == 16)) &&
+                          !(t.mFormatFlags & kAudioFormatFlagIsBigEndian);
+    if (!targetOk) {
+        QUILLO_CHECK_RESULT(kFormatNotSupported, "ExtAudioFileSetProperty(kExtAudioFileProperty_ClientDataFormat)");
+        error_ = osStatusError(kFormatNotSupported, withStatus("Couldn't convert the audio file", kFormatNotSupported));
+        return;
+    }
+    if (dataChunkTruncated(file.get())) {
+        QUILLO_CHECK_RESULT(kEndOfFile, "sf_readf");
+        error_ = osStatusError(kEndOfFile, withStatus("Couldn't read the audio file", kEndOfFile));
+        return;
+    }
+
+    // 3. Channel map: output channel k takes file channel min(k, file channels - 1).
+    const uint32_t fileChannels = uint32_t(info.channels);
+    const uint32_t channels = t.mChannelsPerFrame;
+    uint32_t channelMap[2];
+    for (uint32_t k = 0; k < channels; ++k) channelMap[k] = std::min(k, fileChannels - 1);
+
+    // 4. Length in target frames.
+    const bool resample = t.mSampleRate != double(info.samplerate);
+    const uint32_t length = targetLength(t.mSampleRate, info.samplerate, info.frames);
+
+    // 5. Memory: the whole sound, or one piece when streaming.
+    const bool streaming = bool(audioReceiverBlock);
+    AudioBufferList* list = allocateBufferList(t, streaming ? kPieceFrames : length);
+    if (!list) {
+        error_ = AudioError{kAudioErrorOSStatusDomain, ENOMEM, "Not enough memory to open file"};
+        return;
+    }
+
+    // 6. Read, convert and hand on, piece by piece.
+    TargetWriter writer(t, list);
+    uint32_t written = 0;         // target frames produced so far
+    uint32_t pieceFill = 0;       // frames waiting in the streaming piece
+    auto emit = [&](auto* frames, uint32_t count) {
+        if (!streaming) {
+            count = std::min(count, length - written);
+            writer.write(frames, count, written);
+            written += count;
+            return;
+        }
+        while (count > 0 && written < length) {
+            const uint32_t n = std::min({count, kPieceFrames - pieceFill, length - written});
+            writer.write(frames, n, pieceFill);
+            pieceFill += n;
+            written += n;
+            frames += size_t(n) * channels;
+            count -= n;
+            if (pieceFill == kPieceFrames || written == length) {
+                for (uint32_t b = 0; b < list->mNumberBuffers; ++b)
+                    list->mBuffers[b].mDataByteSize = pieceFill * t.mBytesPerFrame;
+                audioReceiverBlock(list, pieceFill);
+                pieceFill = 0;
+            }
+        }
+    };
+
+    int32_t readError = 0;
+    const bool int16Path = !resample && !audioDescriptionIsFloat(t);
+    std::vector<int16_t> shorts;
+    std::vector<float> floats, mapped, resampled;
+    SRC_STATE* src = nullptr;
+    SRC_DATA srcData{};
+    if (int16Path) {
+        shorts.resize(size_t(kPieceFrames) * fileChannels);
+        mapped.clear();
+    } else {
+        floats.resize(size_t(kPieceFrames) * fileChannels);
+        mapped.resize(size_t(kPieceFrames) * channels);
+        if (resample) {
+            int srcError = 0;
+            src = src_new(SRC_SINC_FASTEST, int(channels), &srcError);
+            if (!src) {
+                freeBufferList(list);
+                QUILLO_CHECK_RESULT(srcError, "src_new");
+                error_ = osStatusError(srcError, withStatus("Couldn't convert the audio file", srcError));
+                return;
+            }
+            srcData.src_ratio = t.mSampleRate / double(info.samplerate);
+            resampled.resize(size_t(std::ceil(kPieceFrames * srcData.src_ratio) + 64) * channels);
+        }
+    }
+    std::vector<int16_t> mappedShorts(int16Path ? size_t(kPieceFrames) * channels : 0);
+
+    int64_t fileFramesLeft = info.frames;
+    bool endOfInput = false;
+    while (!isCancelled() && written < length && !endOfInput) {
+        const sf_count_t want = sf_count_t(std::min<int64_t>(kPieceFrames, fileFramesLeft));
+        sf_count_t got = 0;
+        if (int16Path) {
+            got = want > 0 ? sf_readf_short(file.get(), shorts.data(), want) : 0;
+        } else {
+            got = want > 0 ? sf_readf_float(file.get(), floats.data(), want) : 0;
+        }
+        if (got < 0 || (got < want && sf_error(file.get()) != SF_ERR_NO_ERROR)) {
+            readError = sf_error(file.get()) ? sf_error(file.get()) : kEndOfFile;
+            break;
+        }
+        fileFramesLeft -= got;
+        const bool last = got == 0 || fileFramesLeft <= 0;
+        if (int16Path) {
+            if (got == 0) break;
+            const int16_t* in = shorts.data();
+            int16_t* out = mappedShorts.data();
+            if (fileChannels == channels && channels == 2) {
+                std::memcpy(out, in, size_t(got) * 2 * sizeof(int16_t));
+            } else {
+                for (sf_count_t k = 0; k < got; ++k)
+                    for (uint32_t c = 0; c < channels; ++c) out[k * channels + c] = in[k * fileChannels + channelMap[c]];
+            }
+            emit(static_cast<const int16_t*>(out), uint32_t(got));
+            if (last) break;
+            continue;
+        }
+        for (sf_count_t k = 0; k < got; ++k)
+            for (uint32_t c = 0; c < channels; ++c)
+                mapped[size_t(k) * channels + c] = floats[size_t(k) * fileChannels + channelMap[c]];
+        if (!resample) {
+            emit(static_cast<const float*>(mapped.data()), uint32_t(got));
+            if (last) break;
+            continue;
+        }
+        // Resample this piece (and, at the end, drain the converter).
+        srcData.data_in = mapped.data();
+        srcData.input_frames = long(got);
+        srcData.end_of_input = last ? 1 : 0;
+        for (;;) {
+            srcData.data_out = resampled.data();
+            srcData.output_frames = long(resampled.size() / channels);
+            const int err = src_process(src, &srcData);
+            if (err) {
+                readError = err;
+                break;
+            }
+            if (srcData.output_frames_gen > 0)
+                emit(static_cast<const float*>(resampled.data()), uint32_t(srcData.output_frames_gen));
+            srcData.data_in += size_t(srcData.input_frames_used) * channels;
+            srcData.input_frames -= srcData.input_frames_used;
+            if (srcData.input_frames == 0 && (!last || srcData.output_frames_gen == 0)) break;
+            if (written >= length) break;
+        }
+        if (readError) break;
+        if (last) endOfInput = true;
+    }
+    if (src) src_delete(src);
+
+    if (readError) {
+        QUILLO_CHECK_RESULT(readError, "sf_readf");
+        freeBufferList(list);
+        error_ = osStatusError(readError, withStatus("Couldn't read the audio file", readError));
+        return;
+    }
+    // A streamed piece left over (the converter may end short of the length).
+    if (streaming && pieceFill > 0 && !isCancelled()) {
+        for (uint32_t b = 0; b < list->mNumberBuffers; ++b) list->mBuffers[b].mDataByteSize = pieceFill * t.mBytesPerFrame;
+        audioReceiverBlock(list, pieceFill);
+    }
+
+    // 7. Publish (frames the converter did not fill stay silent), or let go.
+    if (isCancelled() || streaming) {
+        freeBufferList(list);
+        if (!isCancelled()) lengthInFrames_ = length;
+        return;
+    }
+    bufferList_ = list;
+    lengthInFrames_ = length;
+}
