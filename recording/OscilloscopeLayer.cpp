@@ -1,6 +1,7 @@
 #include "recording/OscilloscopeLayer.h"
 
 #include <algorithm>
+#include <cmath>
 
 void ManualRefreshClock::start(double interval, std::function<void()> tick) {
     interval_ = interval;
@@ -61,6 +62,12 @@ std::vector<OscilloscopePoint> OscilloscopeLayer::points(double w, double h) con
         out.push_back({double(i) * step, sample * h / 2.0 * taper(i) + h / 2.0});
     }
     return out;
+}
+
+double OscilloscopeLayer::peak() const {
+    double top = 0;
+    for (const auto& s : ring_) top = std::max(top, std::abs(s.load(std::memory_order_relaxed)));
+    return top;
 }
 
 void OscilloscopeLayer::receiverCallback(AudioController*, const void*, const AudioTimeStamp&, uint32_t frames,

@@ -92,6 +92,9 @@ public:
     std::vector<OscilloscopePoint> points(double width, double height) const;
     // The taper of point i (0..126).
     static double taper(int i);
+    // The input level: the largest magnitude among the newest 2048 samples,
+    // 0 (silence) to 1 (full scale).
+    double peak() const;
 
     void receiverCallback(AudioController* controller, const void* source, const AudioTimeStamp& time,
                           uint32_t frames, const AudioBufferList* audio) QUILLO_NONBLOCKING override;

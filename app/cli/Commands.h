@@ -14,3 +14,5 @@ int runRender(CliContext& context);
 int runPlay(CliContext& context);
 int runImport(CliContext& context);
 int runPrintLoops(CliContext& context);
+int runRecord(CliContext& context);
+int runTrim(CliContext& context);

@@ -12,6 +12,9 @@ namespace {
 const CliCommand kCommands[] = {
     {"list", "list sounds|loops|tracks", "print the library: FOLDER<TAB>NAME<TAB>ARTIST per line", runList},
     {"print-loops", "print-loops", "print the user's loops and tracks as built-in content source", runPrintLoops},
+    {"record", "record -o FILE.wav [--seconds S] [--stereo] [--no-trim]",
+     "record the microphone as the sound editor does, trimmed unless --no-trim", runRecord},
+    {"trim", "trim IN.wav -o OUT.wav [--export]", "cut the silence off both ends of a sound", runTrim},
 };
 
 void printUsage(FILE* out) {
