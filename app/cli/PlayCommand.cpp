@@ -79,7 +79,7 @@ int runPlay(CliContext& context) {
                          error.localizedDescription.c_str());
             return 1;
         }
-        player->removeUponFinish = true;
+        player->setRemoveUponFinish(true);
         player->completionBlock = [&soundDone] { soundDone = true; };
         session.app->oneshot = player;
         controller->addChannels({player});

@@ -12,8 +12,12 @@ namespace {
 const CliCommand kCommands[] = {
     {"list", "list sounds|loops|tracks", "print the library: FOLDER<TAB>NAME<TAB>ARTIST per line", runList},
     {"print-loops", "print-loops", "print the user's loops and tracks as built-in content source", runPrintLoops},
-    {"record", "record -o FILE.wav [--seconds S] [--stereo] [--no-trim]",
-     "record the microphone as the sound editor does, trimmed unless --no-trim", runRecord},
+    {"render", "render loop|track NAME -o FILE.wav [...]",
+     "render to a WAV file (loop: --repeats N, default 1; track: --start-square S)", runRender},
+    {"play", "play loop|track|sound NAME [--seconds S]", "play live until Ctrl-C or S seconds", runPlay},
+    {"import", "import FILE", "import a sound file into \"Imported\" (the file is moved in)", runImport},
+    {"record", "record -o FILE.wav [...]",
+     "record the microphone, trimmed (--seconds S, --stereo, --no-trim)", runRecord},
     {"trim", "trim IN.wav -o OUT.wav [--export]", "cut the silence off both ends of a sound", runTrim},
 };
 

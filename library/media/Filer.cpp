@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "engine/AudioController.h"
+#include "engine/AudioFileLoaderOperation.h"
 #include "library/media/ImageCache.h"
 #include "library/model/Model.h"
 #include "library/util/Log.h"
@@ -237,4 +239,32 @@ void Filer::removeTempRecordingsFile() {
         std::error_code ignored;
         fs::remove(pathToTemporaryDocument(name), ignored);
     }
+}
+
+namespace {
+AudioController* loadingController = nullptr;
+}
+
+void Filer::setAudioController(AudioController* controller) { loadingController = controller; }
+
+std::shared_ptr<AudioFileLoaderOperation> Filer::operationWithFileURL(const std::string& url) {
+    AudioStreamDescription target{};
+    if (loadingController) target = loadingController->audioDescription();
+    auto operation = std::make_shared<AudioFileLoaderOperation>(url, target);
+    operation->start();
+    if (operation->error()) {
+        qlog("load error: %s", operation->error()->localizedDescription.c_str());
+        return nullptr;
+    }
+    return operation;
+}
+
+void Filer::freeBufList(AudioBufferList* list) {
+    if (!list) return;
+    // The engine's format is non-interleaved stereo: always buffers 0 and 1.
+    for (int b = 0; b < 2; ++b) {
+        if (list->mBuffers[b].mData) std::free(list->mBuffers[b].mData);
+        else qlog("dont need free");
+    }
+    std::free(list);
 }

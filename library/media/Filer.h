@@ -16,6 +16,9 @@
 
 class Sound;
 class ImageCache;
+class AudioController;
+class AudioFileLoaderOperation;
+struct AudioBufferList;
 
 class Filer {
 public:
@@ -73,6 +76,15 @@ public:
     static bool copyFile(const std::string& fromUrl, const std::string& toUrl);
     // Removes the recording and movie scratch files (not the scratch photo).
     static void removeTempRecordingsFile();
+
+    // Audio in memory. Loading decodes the whole file on the calling thread
+    // into the engine's format; a failure logs "load error: ..." and gives none.
+    static std::shared_ptr<AudioFileLoaderOperation> operationWithFileURL(const std::string& url);
+    // Frees the samples of both channels and then the list. Only after the
+    // channels that read them have left the engine.
+    static void freeBufList(AudioBufferList* list);
+    // The engine whose format loaded sounds take (none: an all-zero format).
+    static void setAudioController(AudioController* controller);
 
     ~Filer();
 

@@ -62,7 +62,7 @@ TEST_F(LoopplayerTest, EveryStepOnRestartsTheSoundAndStopsTheAnimationHalfAStepE
 }
 
 TEST_F(LoopplayerTest, FiniteRepeatsFallSilentAtTheEndFrameAndReportOnce) {
-    addSound("Pad", 2, 20000);
+    addSound("Pad", 2, 50000);  // still sounding when the repeats end
     RecordingLoopDelegate d;
     auto player = Loopplayer::create(makeLoop(120, {{"Pad", "1-------1-------", 100}, {"Pad", "1111111111111111", 100}}),
                                      &d, 2, 120.0f, &context);
