@@ -147,8 +147,8 @@ TEST_F(AppRecordingTest, MicrophoneRecordingWithTraceIsTornDownByRemoveAll) {
     EXPECT_TRUE(engine()->inputReceivers().empty());
     EXPECT_TRUE(engine()->outputReceivers().empty());
     EXPECT_TRUE(engine()->channels().empty());
-    // Both were detached before the channels went: the file holds the whole
-    // take, microphone and output mixed.
+    // The file is closed and holds the whole take, microphone and output
+    // mixed from the first frame.
     const WavContents w = readWav(scratch());
     ASSERT_EQ(w.frames, 3000);
     for (int k = 0; k < 3000; ++k) {
