@@ -161,7 +161,7 @@ public:
     bool sendMessageToMainThread(AudioControllerMainThreadMessageHandler handler, const void* userInfo,
                                  int32_t userInfoLength) QUILLO_NONBLOCKING;
 
-    // Internal: the record type of the message rings.
+    // Internal: the record type of the message rings (message_t).
     struct Message;
 
 private:
@@ -242,6 +242,8 @@ private:
     std::condition_variable pollWake_;
     bool pollCancelled_ = false;
 };
+
+using message_t = AudioController::Message;
 
 // Render-thread safe: queues `handler` to be called on the main thread with a
 // copy of `userInfo` (`userInfoLength` bytes, copied inline; with length 0 the

@@ -1,6 +1,9 @@
 #include "engine/AudioFileLoaderOperation.h"
 
 #include <samplerate.h>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 #include <sndfile.h>
 
 #include <algorithm>
@@ -20,6 +23,9 @@ namespace {
 
 constexpr int32_t kFormatNotSupported = int32_t(audioFourCC("fmt?"));  // the converter cannot make the target
 constexpr int32_t kEndOfFile = -39;                                    // data shorter than the file says
+constexpr size_t kMaxLoadBytes = size_t(1) << 30;                       // 1 GiB: about 3 hours of engine audio
+constexpr uint32_t kConverterSlack = 64;
+constexpr int kMaxFileChannels = 1024;  // libsndfile's own limit                                // frames a rate converter may end short
 
 AudioError osStatusError(int32_t status, std::string text) {
     return AudioError{kAudioErrorOSStatusDomain, status, std::move(text)};
@@ -73,6 +79,28 @@ inline int16_t floatToInt16(float x) {
     return int16_t(std::lrintf(v));
 }
 
+// Splits interleaved stereo into two buffers, eight frames at a time.
+void deinterleave(const int16_t* __restrict src, int16_t* __restrict left, int16_t* __restrict right, uint32_t frames) {
+    uint32_t k = 0;
+#if defined(__SSE2__)
+    for (; k + 8 <= frames; k += 8) {
+        __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + 2 * k));      // l0 r0 .. l3 r3
+        __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + 2 * k + 8));  // l4 r4 .. l7 r7
+        // Sign-extend-free split: shift the left samples out of each 32-bit pair.
+        __m128i la = _mm_srai_epi32(_mm_slli_epi32(a, 16), 16);
+        __m128i lb = _mm_srai_epi32(_mm_slli_epi32(b, 16), 16);
+        __m128i ra = _mm_srai_epi32(a, 16);
+        __m128i rb = _mm_srai_epi32(b, 16);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(left + k), _mm_packs_epi32(la, lb));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(right + k), _mm_packs_epi32(ra, rb));
+    }
+#endif
+    for (; k < frames; ++k) {
+        left[k] = src[2 * k];
+        right[k] = src[2 * k + 1];
+    }
+}
+
 // Writes interleaved frames (targetChannels wide) into the target buffers.
 class TargetWriter {
 public:
@@ -86,10 +114,12 @@ public:
     void write(const T* src, uint32_t frames, uint32_t at) {
         if constexpr (std::is_same_v<T, int16_t>) {
             if (!isFloat_ && nonInterleaved_) {
-                // The common case: 16-bit samples into the engine format.
-                for (uint32_t c = 0; c < channels_; ++c) {
-                    int16_t* dst = static_cast<int16_t*>(list_->mBuffers[c].mData) + at;
-                    for (uint32_t k = 0; k < frames; ++k) dst[k] = src[size_t(k) * channels_ + c];
+                // The common case: 16-bit stereo into the engine format, one pass.
+                if (channels_ == 2) {
+                    deinterleave(src, static_cast<int16_t*>(list_->mBuffers[0].mData) + at,
+                                 static_cast<int16_t*>(list_->mBuffers[1].mData) + at, frames);
+                } else {
+                    std::memcpy(static_cast<int16_t*>(list_->mBuffers[0].mData) + at, src, frames * sizeof(int16_t));
                 }
                 return;
             }
@@ -124,6 +154,25 @@ private:
     uint32_t channels_;
     AudioBufferList* list_;
 };
+
+// Like allocateBufferList, without zeroing: the loader fills every frame.
+AudioBufferList* allocateUnzeroed(const AudioStreamDescription& d, uint32_t frames) {
+    auto* list = static_cast<AudioBufferList*>(std::calloc(1, sizeof(AudioBufferList)));
+    if (!list) return nullptr;
+    const uint32_t buffers = audioDescriptionIsNonInterleaved(d) ? d.mChannelsPerFrame : 1;
+    list->mNumberBuffers = buffers;
+    const size_t bytes = size_t(frames) * d.mBytesPerFrame;
+    for (uint32_t i = 0; i < buffers; ++i) {
+        list->mBuffers[i].mNumberChannels = audioDescriptionIsNonInterleaved(d) ? 1 : d.mChannelsPerFrame;
+        list->mBuffers[i].mDataByteSize = uint32_t(bytes);
+        list->mBuffers[i].mData = std::malloc(bytes ? bytes : 1);
+        if (!list->mBuffers[i].mData) {
+            freeBufferList(list);
+            return nullptr;
+        }
+    }
+    return list;
+}
 
 struct SndfileCloser {
     void operator()(SNDFILE* f) const {
@@ -225,7 +274,7 @@ void AudioFileLoaderOperation::main() {
         return;
     }
     // 2. The file's format, and whether we can make the target from it.
-    if (info.channels <= 0 || info.samplerate <= 0 || info.frames < 0) {
+    if (info.channels <= 0 || info.channels > kMaxFileChannels || info.samplerate <= 0 || info.frames < 0) {
         error_ = osStatusError(kFormatNotSupported, "Couldn't read the audio file");
         return;
     }
@@ -256,9 +305,15 @@ void AudioFileLoaderOperation::main() {
     const bool resample = t.mSampleRate != double(info.samplerate);
     const uint32_t length = targetLength(t.mSampleRate, info.samplerate, info.frames);
 
-    // 5. Memory: the whole sound, or one piece when streaming.
+    // 5. Memory: the whole sound, or one piece when streaming. A header that
+    // claims more than 1 GiB of samples is not a sound we can hold.
     const bool streaming = bool(audioReceiverBlock);
-    AudioBufferList* list = allocateBufferList(t, streaming ? kPieceFrames : length);
+    const double totalBytes = double(length) * t.mBytesPerFrame * (audioDescriptionIsNonInterleaved(t) ? channels : 1);
+    if (!streaming && (totalBytes > double(kMaxLoadBytes) || double(info.frames) * t.mSampleRate / info.samplerate > 4e9)) {
+        error_ = AudioError{kAudioErrorOSStatusDomain, ENOMEM, "Not enough memory to open file"};
+        return;
+    }
+    AudioBufferList* list = streaming ? allocateBufferList(t, kPieceFrames) : allocateUnzeroed(t, length);
     if (!list) {
         error_ = AudioError{kAudioErrorOSStatusDomain, ENOMEM, "Not enough memory to open file"};
         return;
@@ -275,7 +330,7 @@ void AudioFileLoaderOperation::main() {
             written += count;
             return;
         }
-        while (count > 0 && written < length) {
+        while (count > 0 && written < length && !isCancelled()) {
             const uint32_t n = std::min({count, kPieceFrames - pieceFill, length - written});
             writer.write(frames, n, pieceFill);
             pieceFill += n;
@@ -297,12 +352,26 @@ void AudioFileLoaderOperation::main() {
     std::vector<float> floats, mapped, resampled;
     SRC_STATE* src = nullptr;
     SRC_DATA srcData{};
+    // Read 16384 frames per call (fewer system calls; fewer for files with
+    // many channels); the receiver still gets 4096-frame pieces.
+    uint32_t readFrames = fileChannels <= 2 ? 4 * kPieceFrames : std::max(256u, 32768u / fileChannels);
+    const double ratio = t.mSampleRate / double(info.samplerate);
+    if (resample) {
+        if (!src_is_valid_ratio(ratio)) {  // beyond 1:256 either way
+            freeBufferList(list);
+            QUILLO_CHECK_RESULT(kFormatNotSupported, "src_new");
+            error_ = osStatusError(kFormatNotSupported, withStatus("Couldn't convert the audio file", kFormatNotSupported));
+            return;
+        }
+        // Keep each converted piece to about 64k frames.
+        readFrames = std::clamp(uint32_t(65536.0 / ratio), 1u, readFrames);
+    }
     if (int16Path) {
-        shorts.resize(size_t(kPieceFrames) * fileChannels);
+        shorts.resize(size_t(readFrames) * fileChannels);
         mapped.clear();
     } else {
-        floats.resize(size_t(kPieceFrames) * fileChannels);
-        mapped.resize(size_t(kPieceFrames) * channels);
+        floats.resize(size_t(readFrames) * fileChannels);
+        mapped.resize(size_t(readFrames) * channels);
         if (resample) {
             int srcError = 0;
             src = src_new(SRC_SINC_FASTEST, int(channels), &srcError);
@@ -312,16 +381,16 @@ void AudioFileLoaderOperation::main() {
                 error_ = osStatusError(srcError, withStatus("Couldn't convert the audio file", srcError));
                 return;
             }
-            srcData.src_ratio = t.mSampleRate / double(info.samplerate);
-            resampled.resize(size_t(std::ceil(kPieceFrames * srcData.src_ratio) + 64) * channels);
+            srcData.src_ratio = ratio;
+            resampled.resize(size_t(std::ceil(readFrames * srcData.src_ratio) + 64) * channels);
         }
     }
-    std::vector<int16_t> mappedShorts(int16Path ? size_t(kPieceFrames) * channels : 0);
+    std::vector<int16_t> mappedShorts(int16Path && fileChannels != channels ? size_t(readFrames) * channels : 0);
 
     int64_t fileFramesLeft = info.frames;
     bool endOfInput = false;
     while (!isCancelled() && written < length && !endOfInput) {
-        const sf_count_t want = sf_count_t(std::min<int64_t>(kPieceFrames, fileFramesLeft));
+        const sf_count_t want = sf_count_t(std::min<int64_t>(readFrames, fileFramesLeft));
         sf_count_t got = 0;
         if (int16Path) {
             got = want > 0 ? sf_readf_short(file.get(), shorts.data(), want) : 0;
@@ -337,14 +406,13 @@ void AudioFileLoaderOperation::main() {
         if (int16Path) {
             if (got == 0) break;
             const int16_t* in = shorts.data();
-            int16_t* out = mappedShorts.data();
-            if (fileChannels == channels && channels == 2) {
-                std::memcpy(out, in, size_t(got) * 2 * sizeof(int16_t));
-            } else {
+            if (fileChannels != channels) {
+                int16_t* out = mappedShorts.data();
                 for (sf_count_t k = 0; k < got; ++k)
                     for (uint32_t c = 0; c < channels; ++c) out[k * channels + c] = in[k * fileChannels + channelMap[c]];
+                in = out;
             }
-            emit(static_cast<const int16_t*>(out), uint32_t(got));
+            emit(in, uint32_t(got));
             if (last) break;
             continue;
         }
@@ -392,11 +460,26 @@ void AudioFileLoaderOperation::main() {
         audioReceiverBlock(list, pieceFill);
     }
 
-    // 7. Publish (frames the converter did not fill stay silent), or let go.
+    // 7. Publish, or let go.
     if (isCancelled() || streaming) {
         freeBufferList(list);
         if (!isCancelled()) lengthInFrames_ = length;
         return;
+    }
+    // The converter may end a few frames short; those frames are silent. A
+    // file that delivers less than its header promised is cut off.
+    if (written + kConverterSlack < length) {
+        QUILLO_CHECK_RESULT(kEndOfFile, "sf_readf");
+        freeBufferList(list);
+        error_ = osStatusError(kEndOfFile, withStatus("Couldn't read the audio file", kEndOfFile));
+        return;
+    }
+    if (written < length) {
+        for (uint32_t b = 0; b < list->mNumberBuffers; ++b) {
+            const size_t stride = t.mBytesPerFrame;  // per buffer
+            std::memset(static_cast<char*>(list->mBuffers[b].mData) + size_t(written) * stride, 0,
+                        size_t(length - written) * stride);
+        }
     }
     bufferList_ = list;
     lengthInFrames_ = length;

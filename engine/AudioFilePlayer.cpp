@@ -45,7 +45,7 @@ std::shared_ptr<AudioFilePlayer> AudioFilePlayer::audioFilePlayerWithURL(const s
 }
 
 AudioFilePlayer::AudioFilePlayer(std::string url, AudioController* controller, AudioBufferList* audio, uint32_t length)
-    : url_(std::move(url)), controller_(controller), audio_(audio), length_(length) {
+    : url_(std::move(url)), audio_(audio), length_(length) {
     const AudioStreamDescription d =
         controller ? controller->audioDescription() : AudioController::nonInterleaved16BitStereoAudioDescription();
     rate_ = d.mSampleRate;

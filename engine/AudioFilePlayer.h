@@ -42,7 +42,6 @@ private:
     static void loopedOnMain(AudioController*, void* userInfo, int32_t length);
 
     std::string url_;
-    AudioController* controller_;
     AudioBufferList* audio_;  // owned
     uint32_t length_;
     double rate_;

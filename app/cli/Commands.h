@@ -14,5 +14,6 @@ int runRender(CliContext& context);
 int runPlay(CliContext& context);
 int runImport(CliContext& context);
 int runPrintLoops(CliContext& context);
+int runPlayFile(CliContext& context);
 int runRecord(CliContext& context);
 int runTrim(CliContext& context);

@@ -16,6 +16,7 @@ const CliCommand kCommands[] = {
      "render to a WAV file (loop: --repeats N, default 1; track: --start-square S)", runRender},
     {"play", "play loop|track|sound NAME [--seconds S]", "play live until Ctrl-C or S seconds", runPlay},
     {"import", "import FILE", "import a sound file into \"Imported\" (the file is moved in)", runImport},
+    {"play-file", "play-file FILE [--seconds S]", "play a sound file (the null device when there is none)", runPlayFile},
     {"record", "record -o FILE.wav [...]",
      "record the microphone, trimmed (--seconds S, --stereo, --no-trim)", runRecord},
     {"trim", "trim IN.wav -o OUT.wav [--export]", "cut the silence off both ends of a sound", runTrim},
