@@ -8,6 +8,7 @@
 
 #include "engine/AudioController.h"
 #include "engine/AudioFileWriter.h"
+#include "recording/OscilloscopeLayer.h"
 #include "recording/Recorder.h"
 #include "tests/library/TestStore.h"
 #include "tests/recording/RecordingTestSupport.h"
@@ -80,6 +81,9 @@ TEST(Recorder, MixesTheMicrophoneWithTheOutputFromTheFirstFrame) {
     c.addChannels({std::make_shared<FrameNumberChannel>()});
     c.renderOffline(1000);  // the engine's clock has moved on before the recording
 
+    // The sound editor's input trace listens too.
+    auto trace = std::make_shared<OscilloscopeLayer>();
+    c.addInputReceiver(trace);
     auto recorder = std::make_shared<Recorder>(&c);
     recorder->expectSources(true, true);
     ASSERT_TRUE(recorder->prepareRecordingToFileAtPath(dir.file("take.wav"), kAudioFileWAVEType, nullptr));
@@ -105,6 +109,7 @@ TEST(Recorder, MixesTheMicrophoneWithTheOutputFromTheFirstFrame) {
     EXPECT_EQ(recorder->currentTime(), seconds);
     c.removeInputReceiver(recorder);
     c.removeOutputReceiver(recorder);
+    EXPECT_DOUBLE_EQ(trace->peak(), 32000.0 / 32768.0);
 
     const WavContents w = readWav(dir.file("take.wav"));
     ASSERT_EQ(w.frames, frames);
