@@ -36,6 +36,7 @@ void Autotrimmer::setRecordToStereoSource(std::function<bool()> source) { stereo
 bool Autotrimmer::recordToStereo() { return stereoSource() ? stereoSource()() : false; }
 
 void Autotrimmer::dropLoadedFile() {
+    releaseTrimmedBuffer();  // it may look into the loaded samples
     if (loadedFile_) Filer::freeBufList(loadedFile_->bufferList());
     loadedFile_.reset();
 }
@@ -56,10 +57,35 @@ void Autotrimmer::rewriteTrimmedFile() {
     const AudioStreamDescription engine = AudioController::nonInterleaved16BitStereoAudioDescription();
     const std::string path = Filer::pathToTemporaryDocument(Recorder::kScratchFileName);
     const uint32_t length = range_.length;
+    const AudioBufferList* loaded = loadedFile_ ? loadedFile_->bufferList() : nullptr;
+    const uint32_t loadedFrames = loaded ? loadedFile_->lengthInFrames() : 0;
 
-    // The samples first: if memory runs out the recording stays as it was.
-    if (trimmedBuffer_) Filer::freeBufList(trimmedBuffer_);
-    trimmedBuffer_ = allocateBufferList(engine, length);
+    // The frames to keep. When they all exist (every recording but one
+    // shorter than the end offset) they are the loaded samples themselves,
+    // seen from the trim start: a ten-minute take is not copied once more.
+    // Otherwise they are copied into a buffer of their own whose frames past
+    // the end of the recording stay silent. The samples come first, so if
+    // memory runs out the recording stays as it was.
+    releaseTrimmedBuffer();
+    if (loaded && range_.start <= loadedFrames && length <= loadedFrames - range_.start) {
+        trimmedBuffer_ = static_cast<AudioBufferList*>(std::calloc(1, sizeof(AudioBufferList)));
+        if (trimmedBuffer_) {
+            *trimmedBuffer_ = *loaded;
+            for (uint32_t b = 0; b < 2; ++b) {
+                trimmedBuffer_->mBuffers[b].mData = static_cast<int16_t*>(loaded->mBuffers[b].mData) + range_.start;
+                trimmedBuffer_->mBuffers[b].mDataByteSize = length * uint32_t(sizeof(int16_t));
+            }
+        }
+        trimmedIsView_ = true;
+    } else {
+        trimmedBuffer_ = allocateBufferList(engine, length);
+        trimmedIsView_ = false;
+        const uint32_t available = range_.start < loadedFrames ? std::min(length, loadedFrames - range_.start) : 0;
+        for (uint32_t b = 0; trimmedBuffer_ && b < 2 && available > 0; ++b) {
+            const auto* from = static_cast<const int16_t*>(loaded->mBuffers[b].mData) + range_.start;
+            std::memcpy(trimmedBuffer_->mBuffers[b].mData, from, size_t(available) * sizeof(int16_t));
+        }
+    }
     if (!trimmedBuffer_) {
         qlog("ERROR: %s", "not enough memory to trim the recording");
         return;
@@ -71,22 +97,29 @@ void Autotrimmer::rewriteTrimmedFile() {
         error.code != 0)
         qlog("ERROR: %s", error.localizedDescription.c_str());
 
-    // Frames from the loaded recording; past its end (a recording shorter
-    // than the end offset) the buffer keeps its zeros: silence.
-    const AudioBufferList* loaded = loadedFile_ ? loadedFile_->bufferList() : nullptr;
-    const uint32_t loadedFrames = loaded ? loadedFile_->lengthInFrames() : 0;
-    const uint32_t available = range_.start < loadedFrames ? std::min(length, loadedFrames - range_.start) : 0;
-    for (uint32_t b = 0; b < 2 && available > 0; ++b) {
-        const auto* from = static_cast<const int16_t*>(loaded->mBuffers[b].mData) + range_.start;
-        std::memcpy(trimmedBuffer_->mBuffers[b].mData, from, size_t(available) * sizeof(int16_t));
+    // Appended in pieces, so that the writer's conversion buffer stays small.
+    constexpr uint32_t kPiece = 1u << 16;
+    AudioBufferList piece = *trimmedBuffer_;
+    for (uint32_t done = 0; done < length;) {
+        const uint32_t n = std::min(kPiece, length - done);
+        for (uint32_t b = 0; b < 2; ++b) {
+            piece.mBuffers[b].mData = static_cast<int16_t*>(trimmedBuffer_->mBuffers[b].mData) + done;
+            piece.mBuffers[b].mDataByteSize = n * uint32_t(sizeof(int16_t));
+        }
+        AudioFileWriterAddAudioSynchronously(&writer, &piece, n);
+        done += n;
     }
-
-    AudioFileWriterAddAudioSynchronously(&writer, trimmedBuffer_, length);
     writer.finishWriting();
 }
 
-void Autotrimmer::releaseAutotrimmr() {
-    if (trimmedBuffer_) Filer::freeBufList(trimmedBuffer_);
+void Autotrimmer::releaseTrimmedBuffer() {
+    if (!trimmedBuffer_) return;
+    if (trimmedIsView_) std::free(trimmedBuffer_);  // the samples belong to the loaded file
+    else Filer::freeBufList(trimmedBuffer_);
     trimmedBuffer_ = nullptr;
+}
+
+void Autotrimmer::releaseAutotrimmr() {
+    releaseTrimmedBuffer();
     dropLoadedFile();
 }

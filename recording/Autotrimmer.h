@@ -58,7 +58,7 @@ public:
     void autoTrimBeginAndEnd(bool trimEnd);
     // Writes the kept frames over the scratch recording.
     void rewriteTrimmedFile();
-    // Frees the loaded and the trimmed samples.
+    // Frees the trimmed and the loaded samples.
     void releaseAutotrimmr();
 
     // Where the channel count of the rewritten file comes from: the
@@ -75,11 +75,15 @@ public:
 
 private:
     void dropLoadedFile();
+    void releaseTrimmedBuffer();
 
     int16_t minVal_;
     uint32_t startOff_;
     uint32_t endOff_;
     AutotrimRange range_;
     std::shared_ptr<AudioFileLoaderOperation> loadedFile_;
+    // The frames to keep: a view into the loaded samples, or (for a
+    // recording shorter than the end offset) a padded copy of its own.
     AudioBufferList* trimmedBuffer_ = nullptr;
+    bool trimmedIsView_ = false;
 };
