@@ -1,80 +1,46 @@
-// The trimming decision on plain buffers: thresholds, offsets and the
-// exclusive end, with the default (1000, 10, 100) and export (0, 0, 0) settings.
+// The trimming decision on plain buffers, with the microphone settings
+// (threshold 1000, 10 frames before, 100 after) unless a case says otherwise.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <vector>
 
 #include "recording/Autotrimmer.h"
 
 namespace {
 
-AutotrimRange trim(const std::vector<int16_t>& left, bool trimEnd, int16_t minVal = 1000, uint32_t startOff = 10,
-                   uint32_t endOff = 100) {
-    return autotrimRange(left.data(), uint32_t(left.size()), minVal, startOff, endOff, trimEnd);
-}
+struct Case {
+    const char* what;
+    uint32_t frames;
+    std::map<uint32_t, int16_t> samples;  // left channel; the rest is silence
+    bool trimEnd;
+    uint32_t start, end;                  // the kept range [start, end)
+    int16_t minVal = 1000;
+    uint32_t startOff = 10;
+    uint32_t endOff = 100;
+};
 
-std::vector<int16_t> silence(size_t n) { return std::vector<int16_t>(n, 0); }
-
-TEST(AutotrimRange, NothingToFindKeepsEverything) {
-    EXPECT_EQ(trim({}, true).length, 0u);
-    auto quiet = silence(5000);
-    quiet[100] = 1000;     // at the threshold: silence
-    quiet[200] = -1000;
-    quiet[300] = -32768;   // its magnitude wraps to -32768: silence
-    for (bool trimEnd : {false, true}) {
-        const auto r = trim(quiet, trimEnd);
-        EXPECT_EQ(r.start, 0u);
-        EXPECT_EQ(r.length, 5000u);
+TEST(AutotrimRange, KeepsFromBeforeTheFirstSoundToJustBeforeTheEnd) {
+    const Case cases[] = {
+        {"empty", 0, {}, true, 0, 0},
+        {"silent: the threshold itself and -32768 are silence", 5000, {{100, 1000}, {200, -1000}, {300, -32768}}, true, 0, 5000},
+        {"sound near the start: not before frame 0", 5000, {{5, 1001}}, false, 0, 5000},
+        {"start only", 5000, {{2000, -1001}, {3000, 5000}}, false, 1990, 5000},
+        {"end offset after the last sound, end excluded", 5000, {{1000, 5000}, {3000, 5000}}, true, 990, 3100},
+        {"last sound near the end: up to the last frame, excluded", 5000, {{1000, 5000}, {4950, 5000}}, true, 990, 4999},
+        {"export: first to last non-zero sample", 5000, {{1000, 1}, {4950, -1}}, true, 1000, 4950, 0, 0, 0},
+        {"export: non-zero last frame", 5000, {{1000, 1}, {4999, -1}}, true, 1000, 4999, 0, 0, 0},
+        {"shorter than the end offset: past the end", 50, {{20, 2000}, {30, 2000}}, true, 10, 130},
+        {"a single frame", 1, {{0, 2000}}, true, 0, 1},
+        {"an end past 2^32 frames stops there", 50, {{20, 2000}, {30, 2000}}, true, 10, UINT32_MAX, 1000, 10, UINT32_MAX},
+    };
+    for (const Case& c : cases) {
+        std::vector<int16_t> left(c.frames, 0);
+        for (auto [at, s] : c.samples) left[at] = s;
+        const AutotrimRange r = autotrimRange(left.data(), c.frames, c.minVal, c.startOff, c.endOff, c.trimEnd);
+        EXPECT_EQ(r.start, c.start) << c.what;
+        EXPECT_EQ(uint64_t(r.start) + r.length, c.end) << c.what;
     }
-}
-
-TEST(AutotrimRange, StartKeepsTheOffsetButNeverGoesBeforeTheFirstFrame) {
-    auto s = silence(5000);
-    s[5] = 1001;  // just above the threshold
-    auto r = trim(s, false);
-    EXPECT_EQ(r.start, 0u);
-    EXPECT_EQ(r.length, 5000u);
-
-    s[5] = 0;
-    s[2000] = -1001;
-    r = trim(s, false);
-    EXPECT_EQ(r.start, 1990u);
-    EXPECT_EQ(r.length, 3010u);  // everything to the end
-}
-
-TEST(AutotrimRange, EndIsExclusive) {
-    auto s = silence(5000);
-    s[1000] = 5000;
-    s[3000] = 5000;
-    // endOff frames after the last sound, that frame itself not kept.
-    auto r = trim(s, true);
-    EXPECT_EQ(r.start, 990u);
-    EXPECT_EQ(r.length, 3100u - 990u);
-    // The last sound within endOff of the end: up to the last frame, excluded.
-    s[4950] = 5000;
-    r = trim(s, true);
-    EXPECT_EQ(r.start + r.length, 4999u);
-    // Export settings: from the first to just before the last non-zero sample,
-    // or to the second-to-last frame when that sample is the very last.
-    r = trim(s, true, 0, 0, 0);
-    EXPECT_EQ(r.start, 1000u);
-    EXPECT_EQ(r.length, 3950u);
-    s[4999] = -1;
-    r = trim(s, true, 0, 0, 0);
-    EXPECT_EQ(r.start + r.length, 4999u);  // frame 4998 is the last one kept
-}
-
-TEST(AutotrimRange, RecordingShorterThanTheEndOffsetReachesPastItsEnd) {
-    auto s = silence(50);
-    s[20] = 2000;
-    s[30] = 2000;
-    const auto r = trim(s, true);
-    EXPECT_EQ(r.start, 10u);
-    EXPECT_EQ(r.start + r.length, 130u);  // frames 50..129 do not exist: silence
-    // A single frame: nothing after the start to examine.
-    EXPECT_EQ(trim({2000}, true).length, 1u);
-    // An offset so large that the end would pass 2^32 frames stops there.
-    EXPECT_EQ(trim(s, true, 1000, 10, UINT32_MAX).length, UINT32_MAX - 10u);
 }
 
 }  // namespace
