@@ -1,5 +1,5 @@
 # Quillo developer entry points. Every target installs missing packages first.
-#   make run    build and start Quillo on the default library
+#   make run    build, open the default library (built-in content on first run) and play a loop
 #   make test   build and run every test: plain, Address+UB sanitizer, RealtimeSanitizer
 #   make bench  build optimised and run the benchmarks
 JOBS ?= $(shell nproc)
@@ -28,7 +28,7 @@ build-rtsan: bootstrap
 	@cmake --build $(RTSAN_BUILD) -j $(JOBS)
 
 run: build
-	@./$(BUILD)/bin/quillo-cli list loops
+	@./$(BUILD)/bin/quillo-cli play loop "Easy beat 95"
 
 # The sanitizer trees run first; the plain tree's CTest summary ends the output.
 test: build build-asan build-rtsan

@@ -150,6 +150,7 @@ void AppDelegate::removeAllChannelsFromAC() {
         for (auto& entry : playback_.loadedFiles) Filer::freeBufList(entry.second->bufferList());
         playback_.loadedFiles.clear();
     }
+    playback_.freeRetiredFiles();
     removeOsciloscp();
     removeRecrder();
     if (!controller_) return;

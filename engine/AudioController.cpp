@@ -100,17 +100,53 @@ inline void panGains(float volume, float pan, float* gl, float* gr) QUILLO_NONBL
     *gr = volume * (pan < 0.0f ? 1.0f + pan : 1.0f);
 }
 
+// The mixer's inner loops. Each is compiled twice, plain and for AVX2, and the
+// AVX2 one is chosen once at start-up where the processor has it (a plain
+// check rather than an ifunc, which the thread sanitizer cannot load).
+template <class T>
+inline void mixLoop(const T* __restrict l, const T* __restrict r, uint32_t frames, float gl, float gr,
+                    float* __restrict left, float* __restrict right) QUILLO_NONBLOCKING {
+    for (uint32_t k = 0; k < frames; ++k) {
+        left[k] += float(l[k]) * gl;
+        right[k] += float(r[k]) * gr;
+    }
+}
+
+template <class T>
+__attribute__((target("avx2"))) void mixAvx2(const T* __restrict l, const T* __restrict r, uint32_t frames,
+                                             float gl, float gr, float* __restrict left,
+                                             float* __restrict right) QUILLO_NONBLOCKING {
+    mixLoop(l, r, frames, gl, gr, left, right);
+}
+
+template <class T>
+void mixPlain(const T* __restrict l, const T* __restrict r, uint32_t frames, float gl, float gr,
+              float* __restrict left, float* __restrict right) QUILLO_NONBLOCKING {
+    mixLoop(l, r, frames, gl, gr, left, right);
+}
+
+const bool kHasAvx2 = __builtin_cpu_supports("avx2");
+
+inline void mixNonInterleaved16(const int16_t* l, const int16_t* r, uint32_t frames, float gl, float gr, float* left,
+                                float* right) QUILLO_NONBLOCKING {
+    if (kHasAvx2) mixAvx2(l, r, frames, gl, gr, left, right);
+    else mixPlain(l, r, frames, gl, gr, left, right);
+}
+
+inline void mixFloat(const float* l, const float* r, uint32_t frames, float gl, float gr, float* left,
+                     float* right) QUILLO_NONBLOCKING {
+    if (kHasAvx2) mixAvx2(l, r, frames, gl, gr, left, right);
+    else mixPlain(l, r, frames, gl, gr, left, right);
+}
+
 void accumulate(const Format& f, const AudioBufferList* src, uint32_t frames, float gl, float gr, float* left,
                 float* right) QUILLO_NONBLOCKING {
     const uint32_t ch = f.channels;
     if (!f.isFloat) {
         if (f.nonInterleaved) {
-            const auto* l = static_cast<const int16_t*>(src->mBuffers[0].mData);
-            const auto* r = static_cast<const int16_t*>(src->mBuffers[ch > 1 ? 1 : 0].mData);
-            for (uint32_t k = 0; k < frames; ++k) {
-                left[k] += float(l[k]) * gl;
-                right[k] += float(r[k]) * gr;
-            }
+            mixNonInterleaved16(static_cast<const int16_t*>(src->mBuffers[0].mData),
+                                static_cast<const int16_t*>(src->mBuffers[ch > 1 ? 1 : 0].mData), frames, gl, gr,
+                                left, right);
         } else {
             const auto* s = static_cast<const int16_t*>(src->mBuffers[0].mData);
             for (uint32_t k = 0; k < frames; ++k) {
@@ -850,21 +886,22 @@ void AudioController::renderGroup(AudioChannelGroup* group, uint32_t frames, uin
             e->timeStamp.mSampleTime += frames;
             if (sub->muted.load(std::memory_order_relaxed)) continue;
             panGains(sub->volume.load(std::memory_order_relaxed), sub->pan.load(std::memory_order_relaxed), &gl, &gr);
-            for (uint32_t k = 0; k < frames; ++k) {
-                left[k] += sub->left[k] * gl;
-                right[k] += sub->right[k] * gr;
-            }
+            mixFloat(sub->left, sub->right, frames, gl, gr, left, right);
         }
     }
+}
+
+void AudioController::setOfflinePassFrames(uint32_t frames) {
+    offlinePassFrames_ = std::clamp<uint32_t>(frames, 1, kMaxFramesPerSlice);
 }
 
 void AudioController::renderOffline(uint32_t frames, AudioBufferList* out) { renderOffline(frames, out, nullptr); }
 
 void AudioController::renderOffline(uint32_t frames, AudioBufferList* out, const AudioBufferList* in) {
-    constexpr uint32_t kPass = 256;
+    const uint32_t pass = offlinePassFrames_;
     AudioBufferList outView, inView;
-    for (uint32_t done = 0; done < frames; done += kPass) {
-        const uint32_t n = std::min(kPass, frames - done);
+    for (uint32_t done = 0; done < frames; done += pass) {
+        const uint32_t n = std::min(pass, frames - done);
         const AudioBufferList* input = nullptr;
         if (inputEnabled_) {
             if (in) {

@@ -151,6 +151,10 @@ public:
     // copied to `out` when given (controller format, at least `frames` long);
     // `in` (same format) feeds the input receivers when input is enabled.
     void renderOffline(uint32_t frames, AudioBufferList* out = nullptr);
+    // Frames per offline pass (default 256, as a device). Rendering to a file
+    // uses longer passes: every block is frame-exact, so the audio is the
+    // same, with less overhead per pass; receivers get longer blocks.
+    void setOfflinePassFrames(uint32_t frames);
     void renderOffline(uint32_t frames, AudioBufferList* out, const AudioBufferList* in);
 
     MainThread* mainThread() const { return mainThread_; }
@@ -204,6 +208,7 @@ private:
     std::unique_ptr<RunLoopMainThread> ownMainThread_;
     MainThread* mainThread_ = nullptr;
     std::unique_ptr<AudioDriver> driver_;
+    uint32_t offlinePassFrames_ = 256;
     std::atomic<bool> running_{false};
     bool offline_ = false;
     mutable std::recursive_mutex configMutex_;

@@ -63,7 +63,7 @@ constexpr uint32_t kAudioFileAIFFType = audioFourCC("AIFF");
 constexpr uint32_t kAudioFileM4AType = audioFourCC("m4af");
 
 // Error domain of platform-status errors (loader and writer failures).
-inline const char* const kAudioErrorOSStatusDomain = "NSOSStatusErrorDomain";
+inline const char* const kAudioErrorOSStatusDomain = "org.quillo.audio-status";
 
 // Host clock: nanoseconds of std::chrono::steady_clock.
 uint64_t AudioCurrentHostTime();

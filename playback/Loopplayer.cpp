@@ -196,8 +196,12 @@ void Loopplayer::stopLoopplayer() {
 }
 
 void Loopplayer::reallyFreeLoadedFiles() {
-    for (auto& entry : context_->loadedFiles) Filer::freeBufList(entry.second->bufferList());
+    // The cache empties. A sound that another player still plays (stopping a
+    // track while a loop preview plays, say) is set aside rather than freed
+    // under the render thread, and freed once nobody holds it.
+    for (auto& entry : context_->loadedFiles) context_->retiredFiles.push_back(std::move(entry.second));
     context_->loadedFiles.clear();
+    context_->freeRetiredFiles();
 }
 
 void Loopplayer::stopLoop(const std::shared_ptr<Loopplayer>& player) {

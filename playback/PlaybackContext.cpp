@@ -1,5 +1,10 @@
 #include "playback/PlaybackContext.h"
 
+#include <algorithm>
+
+#include "engine/AudioFileLoaderOperation.h"
+#include "library/media/Filer.h"
+
 namespace {
 PlaybackContext defaultContext;
 PlaybackContext* current = &defaultContext;
@@ -7,3 +12,13 @@ PlaybackContext* current = &defaultContext;
 
 PlaybackContext& PlaybackContext::shared() { return *current; }
 void PlaybackContext::setShared(PlaybackContext* context) { current = context ? context : &defaultContext; }
+
+size_t PlaybackContext::freeRetiredFiles() {
+    auto unused = [](const std::shared_ptr<AudioFileLoaderOperation>& f) { return f.use_count() == 1; };
+    for (auto& f : retiredFiles)
+        if (unused(f)) Filer::freeBufList(f->bufferList());
+    retiredFiles.erase(std::remove_if(retiredFiles.begin(), retiredFiles.end(), unused), retiredFiles.end());
+    return retiredFiles.size();
+}
+
+PlaybackContext::~PlaybackContext() { freeRetiredFiles(); }

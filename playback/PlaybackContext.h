@@ -19,6 +19,16 @@ struct PlaybackContext {
     std::map<std::string, std::shared_ptr<AudioFileLoaderOperation>> loadedFiles;
     std::vector<std::shared_ptr<Loopplayer>> loopplayers;
     std::vector<std::shared_ptr<Trackplayer>> trackplayers;
+    // Sounds taken out of the cache while a playing player still held them:
+    // their samples are freed once no player holds them any more.
+    std::vector<std::shared_ptr<AudioFileLoaderOperation>> retiredFiles;
+
+    // Frees the retired sounds nobody plays now; returns how many are left.
+    size_t freeRetiredFiles();
+    PlaybackContext() = default;
+    PlaybackContext(const PlaybackContext&) = delete;
+    PlaybackContext& operator=(const PlaybackContext&) = delete;
+    ~PlaybackContext();
 
     // The application's context. Tests may install their own.
     static PlaybackContext& shared();

@@ -28,6 +28,7 @@ bool renderToFile(AudioController* controller, uint64_t frames, const std::strin
         freeBufferList(buffer);
         return false;
     }
+    controller->setOfflinePassFrames(1024);
     ProgressLine progress;
     bool ok = true;
     for (uint64_t done = 0; done < frames && ok;) {

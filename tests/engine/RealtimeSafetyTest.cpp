@@ -133,7 +133,9 @@ TEST(RealtimeSafety, HeavyRenderPassWithTrafficOffline) {
     EXPECT_GT(scene.output->calls.load(), 172);
     EXPECT_GT(scene.input->calls.load(), 172);
     EXPECT_GT(gStepsSeen.load(), 0);
-    EXPECT_EQ(c.droppedMessages(), 0);
+    // No check on dropped messages here: this renderer runs unpaced, far faster
+    // than a device, so whether the busy main thread keeps up depends on the
+    // machine's load. Ring capacity under device-paced traffic is its own test.
 }
 
 TEST(RealtimeSafety, HeavyRenderPassWithTrafficOnTheNullDevice) {

@@ -51,14 +51,14 @@ TEST_F(ModelBasedPlayerTest, LoopPlayerMatchesTheReferenceUnderRandomEdits) {
         const int bpms[] = {60, 90, 100, 120, 128, 140, 173};
         int bpm = bpms[pick(7)];
         int rows = 1 + pick(8);
-        std::vector<Row> spec;
+        std::vector<Row> rows_;
         RefLoop ref;
         ref.bpm = static_cast<float>(bpm);
         for (int r = 0; r < 8; ++r) {
             if (r < rows) {
                 int s = pick(6);
                 uint16_t mask = static_cast<uint16_t>(rng());
-                spec.push_back({names[static_cast<size_t>(s)], Tacter::printBinary(mask).substr(2, 16), 100});
+                rows_.push_back({names[static_cast<size_t>(s)], Tacter::printBinary(mask).substr(2, 16), 100});
                 ref.slot[r].sound = &sounds[names[static_cast<size_t>(s)]];
                 ref.slot[r].mask = mask;
             } else {
@@ -68,8 +68,8 @@ TEST_F(ModelBasedPlayerTest, LoopPlayerMatchesTheReferenceUnderRandomEdits) {
         bool finite = seed % 3 == 0;
         ref.repeatTimes = finite ? 1 + rng() % 3 : ~0ull;
         CapturingDelegate d;
-        auto player = finite ? Loopplayer::create(makeLoop(bpm, spec), &d, ref.repeatTimes, float(bpm), &context)
-                             : Loopplayer::create(makeLoop(bpm, spec), &d, &context);
+        auto player = finite ? Loopplayer::create(makeLoop(bpm, rows_), &d, ref.repeatTimes, float(bpm), &context)
+                             : Loopplayer::create(makeLoop(bpm, rows_), &d, &context);
         std::vector<RefEvent> refEvents;
         uint64_t frame = 0;
         for (int call = 0; call < 400; ++call) {
@@ -141,7 +141,7 @@ TEST_F(ModelBasedPlayerTest, TrackRowsMatchTheReferenceUnderRandomEdits) {
         auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<uint32_t>(n)); };
         int bpm = 100 + pick(80);
         int rows = 1 + pick(8);
-        std::vector<Row> spec;
+        std::vector<Row> rows_;
         RefTrackRow ref;
         ref.bpm = static_cast<float>(bpm);
         ref.trackLen = 1 + rng() % 20;
@@ -156,13 +156,13 @@ TEST_F(ModelBasedPlayerTest, TrackRowsMatchTheReferenceUnderRandomEdits) {
         for (int r = 0; r < rows; ++r) {
             int s = pick(6);
             uint16_t mask = static_cast<uint16_t>(rng());
-            spec.push_back({names[static_cast<size_t>(s)], Tacter::printBinary(mask).substr(2, 16), 100});
+            rows_.push_back({names[static_cast<size_t>(s)], Tacter::printBinary(mask).substr(2, 16), 100});
             ref.slot[r].sound = &sounds[names[static_cast<size_t>(s)]];
             ref.slot[r].mask = mask;
             ref.slot[r].square = static_cast<uint16_t>(start);
         }
         CapturingDelegate d;
-        auto row = Trackloopplayer::create(makeLoop(bpm, spec), &d, &d, ref.trackLen, float(bpm), &blocks, start,
+        auto row = Trackloopplayer::create(makeLoop(bpm, rows_), &d, &d, ref.trackLen, float(bpm), &blocks, start,
                                            ref.repeat, &context);
         row->reallyAddChannelsToControlla(controller.get());
         std::vector<RefEvent> refEvents;

@@ -11,6 +11,7 @@
 
 #include "engine/AudioChannel.h"
 #include "engine/AudioController.h"
+#include "engine/AudioFileLoaderOperation.h"
 #include "engine/MainThread.h"
 #include "library/CoreDater.h"
 #include "library/media/Filer.h"
@@ -97,7 +98,9 @@ protected:
     }
     void TearDown() override {
         for (auto p : std::vector<std::shared_ptr<Loopplayer>>(context.loopplayers)) Loopplayer::stopLoop(p);
-        Loopplayer::stopLoop(nullptr);
+        // The shared cache outlives the players, as in the application, which frees it when it tears down.
+        for (auto& entry : context.loadedFiles) Filer::freeBufList(entry.second->bufferList());
+        context.loadedFiles.clear();
         PlaybackContext::setShared(nullptr);
         controller->stop();
         CoreDater::shIns().setManagedObjectContext(nullptr);

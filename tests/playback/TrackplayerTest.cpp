@@ -113,3 +113,21 @@ TEST_F(TrackplayerTest, RowVolumeIsOneGroupVolume) {
     EXPECT_TRUE(context.loopplayers.empty());
     EXPECT_TRUE(context.loadedFiles.empty());  // stopping a track row frees the shared cache
 }
+
+TEST_F(TrackplayerTest, StoppingATrackKeepsSoundsThatAnotherPlayerStillPlays) {
+    RecordingTrackDelegate d;
+    Track* track = makeTrack(4, "1111111111111111");
+    auto preview = Loopplayer::create(track->trackloops()[0]->loop(), nullptr, &context);
+    auto p = Trackplayer::create(track, &d, 0, true, &context);
+    Trackplayer::stopTrack(p);
+    EXPECT_TRUE(context.loadedFiles.empty());
+    ASSERT_EQ(context.retiredFiles.size(), 2u);  // "Hit" and the spare slots' "Kick", held by the preview
+
+    std::vector<int16_t> l(512), r(512);
+    renderChannel(preview->channelAtIndex(0), controller.get(), 512, l.data(), r.data());
+    EXPECT_EQ(l[511], sounds["Hit"].left[511]);
+    EXPECT_EQ(r[0], sounds["Hit"].right[0]);
+
+    Loopplayer::stopLoop(preview);
+    EXPECT_EQ(context.freeRetiredFiles(), 0u);
+}
