@@ -18,6 +18,9 @@
 #include "library/util/Log.h"
 #include "playback/Loopplayer.h"
 #include "playback/Trackplayer.h"
+#include "recording/Autotrimmer.h"
+#include "recording/OscilloscopeLayer.h"
+#include "recording/Recorder.h"
 
 namespace {
 AppDelegate* sharedDelegate = nullptr;
@@ -47,6 +50,7 @@ AppDelegate::AppDelegate(AppDelegateOptions options) : options_(std::move(option
     sharedDelegate = this;
     PlaybackContext::setShared(&playback_);
     CoreDater::shIns().setUserArtistNameSource([this] { return usersArtistName; });
+    Autotrimmer::setRecordToStereoSource([this] { return recordToStereo; });
 }
 
 AppDelegate::~AppDelegate() {
@@ -55,6 +59,7 @@ AppDelegate::~AppDelegate() {
     if (controller_) controller_->stop();
     CoreDater::shIns().setManagedObjectContext(nullptr);
     CoreDater::shIns().setUserArtistNameSource(nullptr);
+    Autotrimmer::setRecordToStereoSource(nullptr);
     PlaybackContext::setShared(nullptr);
     if (sharedDelegate == this) sharedDelegate = nullptr;
 }
@@ -146,6 +151,8 @@ void AppDelegate::removeAllChannelsFromAC() {
         playback_.loadedFiles.clear();
     }
     playback_.freeRetiredFiles();
+    removeOsciloscp();
+    removeRecrder();
     if (!controller_) return;
     auto channels = controller_->channels();
     if (!channels.empty()) controller_->removeChannels(channels);
@@ -157,6 +164,69 @@ void AppDelegate::removeOnesht() {
     if (!oneshot) return;
     if (controller_) controller_->removeChannels({oneshot});
     oneshot.reset();
+}
+
+// ---------------------------------------------------------------------------
+// Recording
+
+void AppDelegate::beginRecordingInput(bool input, bool output) {
+    if (!controller_) return;
+    removeRecrder();  // never two recorders on the one scratch file
+    recorder = std::make_shared<Recorder>(controller_.get());
+    recorder->expectSources(input, output);
+    AudioError error;
+    if (!recorder->beginRecordingToFileAtPath(Filer::pathToTemporaryDocument(Recorder::kScratchFileName),
+                                              kAudioFileWAVEType, 16, recordToStereo ? 2 : 1, &error)) {
+        qlog("%s", error.localizedDescription.c_str());
+        return;
+    }
+    controller_->addReceiversWithBlock(input ? recorder : nullptr, output ? recorder : nullptr, nullptr);
+}
+
+void AppDelegate::beginRecordingInput(bool input, bool output, bool justPrepare) {
+    if (!controller_) return;
+    removeRecrder();
+    recorder = std::make_shared<Recorder>(controller_.get());
+    recorder->expectSources(input, output);
+    // Opening the file cannot happen on the render thread, so it comes first;
+    // attaching and starting then happen in one exchange, and the first frame
+    // recorded is the first frame of a render pass, from both sources alike.
+    AudioError error;
+    const bool prepared = recorder->prepareRecordingToFileAtPath(
+        Filer::pathToTemporaryDocument(Recorder::kScratchFileName), kAudioFileWAVEType, 16, recordToStereo ? 2 : 1,
+        &error);
+    if (!prepared) qlog("%s", error.localizedDescription.c_str());
+    const bool start = prepared && !justPrepare;
+    Recorder* raw = recorder.get();
+    controller_->addReceiversWithBlock(input ? recorder : nullptr, output ? recorder : nullptr, [raw, start] {
+        if (start) RecorderStartRecording(raw);
+    });
+    if (start) qlog("RecorderStartRecording");
+}
+
+void AppDelegate::endRecording() { removeRecrder(); }
+
+void AppDelegate::removeRecrder() {
+    if (controller_ && recorder) {
+        controller_->removeInputReceiver(recorder);
+        controller_->removeOutputReceiver(recorder);
+    }
+    if (recorder) recorder->finishRecording();
+    recorder.reset();
+}
+
+void AppDelegate::removeOsciloscp() {
+    if (inputOscilloscope) {
+        inputOscilloscope->stop();
+        if (controller_) controller_->removeInputReceiver(inputOscilloscope);
+        inputOscilloscope->removeFromSuperlayer();
+    }
+    inputOscilloscope.reset();
+}
+
+bool AppDelegate::setACInputEnabled(bool enabled) {
+    if (!controller_) return false;
+    return controller_->updateWithAudioDescription(controller_->audioDescription(), enabled, false, true);
 }
 
 bool AppDelegate::openURL(const std::string& url) {

@@ -14,6 +14,8 @@
 #include "playback/PlaybackContext.h"
 
 class AudioFilePlayer;
+class OscilloscopeLayer;
+class Recorder;
 class Sound;
 class LibraryStore;
 class QSettings;
@@ -46,9 +48,31 @@ public:
     LibraryStore* managedObjectContext();  // opened on first use; a bad store ends the process
     const std::string& applicationDocumentsDirectory() const { return documents_; }
 
-    // Silences everything, in a fixed order (players, cache, receivers, channels).
+    // Silences everything, in a fixed order (players, cache, input trace,
+    // recorder, channels, receivers).
     void removeAllChannelsFromAC();
     void removeOnesht();
+
+    // Recording into the scratch file "tempRecording.wav" (16-bit WAVE, two
+    // channels when recordToStereo is on, else one). `input` records the
+    // microphone, `output` what the engine plays; both are mixed.
+    // Starts at once; when the file cannot be opened, logs why and attaches nothing.
+    void beginRecordingInput(bool input, bool output);
+    // Attaches the recorder and, unless justPrepare, starts it, in one
+    // exchange with the render thread. With justPrepare the caller starts it
+    // later with RecorderStartRecording (the export screen does, just before
+    // playback).
+    void beginRecordingInput(bool input, bool output, bool justPrepare);
+    void endRecording();
+    // Detach the recorder (then finish its file) or the input trace, and drop
+    // it. Both do nothing when there is none.
+    void removeRecrder();
+    void removeOsciloscp();
+    // Turns the microphone on or off: the engine is rebuilt with the same
+    // format, output on and no voice processing. May run on a background thread.
+    bool setACInputEnabled(bool enabled);
+    std::shared_ptr<Recorder> recorder;
+    std::shared_ptr<OscilloscopeLayer> inputOscilloscope;
 
     // A file handed over by another program: imported as a new sound in "Imported".
     bool openURL(const std::string& url);

@@ -757,6 +757,30 @@ void AudioController::removeReceiver(bool input, const std::shared_ptr<AudioRece
     owners.erase(std::find(owners.begin(), owners.end(), receiver));  // released after the exchange
 }
 
+bool AudioController::addReceiversWithBlock(std::shared_ptr<AudioReceiver> input,
+                                            std::shared_ptr<AudioReceiver> output, std::function<void()> block) {
+    std::lock_guard<std::recursive_mutex> lock(configMutex_);
+    const bool addInput =
+        input && std::find(inputReceivers_.begin(), inputReceivers_.end(), input) == inputReceivers_.end();
+    const bool addOutput =
+        output && std::find(outputReceivers_.begin(), outputReceivers_.end(), output) == outputReceivers_.end();
+    if ((addInput && int(inputReceivers_.size()) >= kMaxCallbacksPerEntry) ||
+        (addOutput && int(outputReceivers_.size()) >= kMaxCallbacksPerEntry)) {
+        qlog("Engine: Warning: Maximum number of callbacks reached");
+        return false;
+    }
+    if (addInput) inputReceivers_.push_back(input);
+    if (addOutput) outputReceivers_.push_back(output);
+    AudioReceiver* in = addInput ? input.get() : nullptr;
+    AudioReceiver* out = addOutput ? output.get() : nullptr;
+    performSynchronousMessageExchangeWithBlock([this, in, out, &block] {
+        if (in) inputTable_[inputCount_++] = in;
+        if (out) outputTable_[outputCount_++] = out;
+        if (block) block();
+    });
+    return true;
+}
+
 bool AudioController::addInputReceiver(std::shared_ptr<AudioReceiver> r) { return addReceiver(true, std::move(r)); }
 void AudioController::removeInputReceiver(const std::shared_ptr<AudioReceiver>& r) { removeReceiver(true, r); }
 bool AudioController::addOutputReceiver(std::shared_ptr<AudioReceiver> r) { return addReceiver(false, std::move(r)); }

@@ -122,6 +122,14 @@ public:
     std::vector<std::shared_ptr<AudioReceiver>> outputReceivers() const;
     static const void* inputSource();
     static const void* outputSource();
+    // Attaches `input` as an input receiver and `output` as an output
+    // receiver (either may be null) and runs `block` (may be empty) on the
+    // render thread, all in one synchronous message exchange: a render pass
+    // sees none of it or all of it. Attaches nothing and answers false when a
+    // table is full. The recorder starts this way, so that its first frame
+    // is the first frame of a pass and both sources start together.
+    bool addReceiversWithBlock(std::shared_ptr<AudioReceiver> input, std::shared_ptr<AudioReceiver> output,
+                               std::function<void()> block);
 
     // ---- Message exchange
     // Runs `block` on the render thread, then `response` (may be empty) on the

@@ -15,3 +15,5 @@ int runPlay(CliContext& context);
 int runImport(CliContext& context);
 int runPrintLoops(CliContext& context);
 int runPlayFile(CliContext& context);
+int runRecord(CliContext& context);
+int runTrim(CliContext& context);

@@ -17,6 +17,9 @@ const CliCommand kCommands[] = {
     {"play", "play loop|track|sound NAME [--seconds S]", "play live until Ctrl-C or S seconds", runPlay},
     {"import", "import FILE", "import a sound file into \"Imported\" (the file is moved in)", runImport},
     {"play-file", "play-file FILE [--seconds S]", "play a sound file (the null device when there is none)", runPlayFile},
+    {"record", "record -o FILE.wav [...]",
+     "record the microphone, trimmed (--seconds S, --stereo, --no-trim)", runRecord},
+    {"trim", "trim IN.wav -o OUT.wav [--export]", "cut the silence off both ends of a sound", runTrim},
 };
 
 void printUsage(FILE* out) {

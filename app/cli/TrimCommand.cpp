@@ -1,0 +1,54 @@
+// quillo-cli trim IN.wav -o OUT.wav [--export]: cuts the silence off both ends
+// of a sound the way Quillo trims a fresh recording (threshold 1000, 10 frames
+// kept before the sound, 100 after it) or, with --export, a captured loop
+// (everything from the first to the last non-zero sample). The result is a
+// 16-bit WAV file with the channel count of IN (mono or stereo).
+#include <cstdio>
+#include <string>
+
+#include "app/cli/Commands.h"
+#include "engine/AudioFileLoaderOperation.h"
+#include "library/media/Filer.h"
+#include "recording/Autotrimmer.h"
+#include "recording/Recorder.h"
+
+int runTrim(CliContext& context) {
+    CliArgs args(context.args);
+    auto out = args.take("-o");
+    const bool forExport = args.takeFlag("--export");
+    if (!args.error().empty() || args.rest().size() != 1 || !out || out->empty()) {
+        std::fprintf(stderr, "usage: quillo-cli trim IN.wav -o OUT.wav [--export]\n");
+        return 2;
+    }
+    const std::string in = args.rest()[0];
+    AudioStreamDescription format{};
+    uint64_t frames = 0;
+    AudioError error;
+    if (!AudioFileLoaderOperation::infoForFileAtURL(in, &format, &frames, &error)) {
+        std::fprintf(stderr, "quillo-cli: cannot read %s: %s\n", in.c_str(), error.localizedDescription.c_str());
+        return 1;
+    }
+
+    // The trimmer works on the scratch recording: put a copy of IN there.
+    const std::string scratch = Filer::pathToTemporaryDocument(Recorder::kScratchFileName);
+    Filer::deleteFileAtPath(scratch);
+    if (!Filer::copyFile(in, scratch)) {
+        std::fprintf(stderr, "quillo-cli: cannot copy %s to %s\n", in.c_str(), scratch.c_str());
+        return 1;
+    }
+    const bool stereo = format.mChannelsPerFrame >= 2;
+    Autotrimmer::setRecordToStereoSource([stereo] { return stereo; });
+    auto trimmer = forExport ? Autotrimmer::initForExport() : Autotrimmer::initDefault();
+    trimmer->autoTrimBeginAndEnd(true);
+    const uint32_t start = trimmer->trimStart(), length = trimmer->trimLength();
+    trimmer->releaseAutotrimmr();
+    Autotrimmer::setRecordToStereoSource(nullptr);
+
+    if (!Filer::renameFileFromPath(scratch, *out)) {
+        std::fprintf(stderr, "quillo-cli: cannot save %s\n", out->c_str());
+        return 1;
+    }
+    std::printf("kept frames %u to %u of %llu (%.3f s) in %s\n", start, start + length,
+                static_cast<unsigned long long>(frames), length / 44100.0, out->c_str());
+    return 0;
+}
