@@ -245,9 +245,6 @@ void Loopplayer::renderLoopSlot(int i, uint32_t frames, AudioBufferList* audio) 
     }
 
     const uint16_t mask = channelTacts_[static_cast<size_t>(i)].load(std::memory_order_relaxed);
-    const AudioBufferList* sound = s.audioSampleBufferList;
-    const int16_t* srcL = sound ? static_cast<const int16_t*>(sound->mBuffers[0].mData) : nullptr;
-    const int16_t* srcR = sound ? static_cast<const int16_t*>(sound->mBuffers[1].mData) : nullptr;
     const uint64_t half = F >> 1;
     uint32_t c = 0;  // frames since the call began or the last note began in it
     uint32_t k = 0;
@@ -272,41 +269,23 @@ void Loopplayer::renderLoopSlot(int i, uint32_t frames, AudioBufferList* audio) 
             if (LoopplayerDelegate* d = delegate()) d->animateStopPlaying(i);
             s.needToEndAnimationEarlier = false;
         }
-        bool sounding = false;
         uint32_t p = 0;
-        if (s.needToStartPlaying || s.playingNow) {
-            s.playingNow = true;
-            if (s.needToStartPlaying) {
-                s.positionInFile = 0;
-                c = 0;
-            }
-            p = s.positionInFile + c;
-            if (p < s.lengthInFrames) {
-                sounding = true;
-            } else {
-                outL[k] = outR[k] = 0;
-                s.positionInFile = 0;
-                s.playingNow = false;
-                if (LoopplayerDelegate* d = delegate()) d->animateStopPlaying(i);
-            }
-            s.needToStartPlaying = false;
+        const SoundAt sound = soundAt(s, k, c, outL, outR, &p);
+        if (sound == SoundAt::RanOut) {
+            if (LoopplayerDelegate* d = delegate()) d->animateStopPlaying(i);
         }
         // Up to the next event every frame is handled alike.
         uint64_t run = std::min<uint64_t>(frames - k, E - s.totalFrames);
         if (s.nextBeatFrame > s.totalFrames) run = std::min(run, s.nextBeatFrame - s.totalFrames);
         if (s.needToEndAnimationEarlier && s.nextBeatFrame >= half && s.nextBeatFrame - half > s.totalFrames)
             run = std::min(run, s.nextBeatFrame - half - s.totalFrames);
-        if (sounding) {
-            run = std::min<uint64_t>(run, s.lengthInFrames - p);
-            std::memcpy(outL + k, srcL + p, run * sizeof(int16_t));
-            std::memcpy(outR + k, srcR + p, run * sizeof(int16_t));
-        }
+        if (sound == SoundAt::Sounding) run = copySound(s, p, run, k, outL, outR);
         s.totalFrames += run;
         c += static_cast<uint32_t>(run);
         k += static_cast<uint32_t>(run);
     }
     if (s.playingNow) s.positionInFile += c;
-    uint32_t byteSize = sound ? sound->mBuffers[0].mDataByteSize : 0;
+    uint32_t byteSize = s.audioSampleBufferList ? s.audioSampleBufferList->mBuffers[0].mDataByteSize : 0;
     if (s.positionInFile >= byteSize) {
         // Compares a frame position with a byte count: only a sound of zero
         // length (or a corrupt position) ever gets here.

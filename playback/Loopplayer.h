@@ -7,13 +7,16 @@
 // tempo, pause, delegate) are single atomic words; changes that touch several
 // of a slot's counters (a new sound, moving a slot) run on the render thread
 // between passes through the engine's message exchange.
+#include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstring>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "engine/AudioTypes.h"
 #include "playback/PlayerDelegates.h"
 #include "playback/StepTiming.h"
 
@@ -22,7 +25,6 @@ class AudioController;
 class AudioFileLoaderOperation;
 class BlockChannel;
 class Loop;
-struct AudioBufferList;
 struct PlaybackContext;
 
 class Loopplayer : public std::enable_shared_from_this<Loopplayer> {
@@ -101,6 +103,35 @@ protected:
         uint32_t lengthInFrames = 0;
     };
     std::array<Slot, kSlots> slots_;
+
+    // The sound of a slot at frame k of a render call: starts a pending note
+    // (c counts frames since the call or the last note began), and answers
+    // whether the slot sounds from here, with *p the sound's frame, or its
+    // sound ran out at this frame (written silent).
+    enum class SoundAt { Silent, Sounding, RanOut };
+    static SoundAt soundAt(Slot& s, uint32_t k, uint32_t& c, int16_t* outL, int16_t* outR, uint32_t* p) {
+        if (!s.needToStartPlaying && !s.playingNow) return SoundAt::Silent;
+        s.playingNow = true;
+        if (s.needToStartPlaying) {
+            s.positionInFile = 0;  // a new note restarts the sound, cutting the last one
+            c = 0;
+        }
+        s.needToStartPlaying = false;
+        *p = s.positionInFile + c;
+        if (*p < s.lengthInFrames) return SoundAt::Sounding;
+        outL[k] = outR[k] = 0;
+        s.positionInFile = 0;
+        s.playingNow = false;
+        return SoundAt::RanOut;
+    }
+    // Copies up to `run` frames of the sound from frame p; returns how many.
+    static uint64_t copySound(const Slot& s, uint32_t p, uint64_t run, uint32_t k, int16_t* outL, int16_t* outR) {
+        run = std::min<uint64_t>(run, s.lengthInFrames - p);
+        const AudioBufferList* sound = s.audioSampleBufferList;
+        std::memcpy(outL + k, static_cast<const int16_t*>(sound->mBuffers[0].mData) + p, run * sizeof(int16_t));
+        std::memcpy(outR + k, static_cast<const int16_t*>(sound->mBuffers[1].mData) + p, run * sizeof(int16_t));
+        return run;
+    }
 
 private:
     void renderLoopSlot(int slot, uint32_t frames, AudioBufferList* audio);

@@ -110,9 +110,6 @@ void Trackloopplayer::renderTrackSlot(int i, uint32_t frames, AudioBufferList* a
     const bool reports = i == 0 && ihasDelegat_.load(std::memory_order_relaxed);
     auto* outL = static_cast<int16_t*>(audio->mBuffers[0].mData);
     auto* outR = static_cast<int16_t*>(audio->mBuffers[1].mData);
-    const AudioBufferList* sound = s.audioSampleBufferList;
-    const int16_t* srcL = sound ? static_cast<const int16_t*>(sound->mBuffers[0].mData) : nullptr;
-    const int16_t* srcR = sound ? static_cast<const int16_t*>(sound->mBuffers[1].mData) : nullptr;
 
     uint32_t c = 0;
     uint32_t k = 0;
@@ -138,35 +135,16 @@ void Trackloopplayer::renderTrackSlot(int i, uint32_t frames, AudioBufferList* a
                             ((squaresParts_[part].load(std::memory_order_relaxed) >> (15 - square % 16)) & 1);
             if (squareOn && ((mask >> (15 - s.tact)) & 1)) s.needToStartPlaying = true;
         }
-        bool sounding = false;
         uint32_t p = 0;
-        if (s.needToStartPlaying || s.playingNow) {
-            s.playingNow = true;
-            if (s.needToStartPlaying) {
-                s.positionInFile = 0;
-                c = 0;
-            }
-            p = s.positionInFile + c;
-            if (p < s.lengthInFrames) {
-                sounding = true;
-            } else {
-                outL[k] = outR[k] = 0;
-                s.positionInFile = 0;
-                s.playingNow = false;
-            }
-            s.needToStartPlaying = false;
-        }
+        const SoundAt sound = soundAt(s, k, c, outL, outR, &p);  // no report when it runs out
         uint64_t run = frames - k;
         if (s.nextBeatFrame > s.totalFrames) run = std::min(run, s.nextBeatFrame - s.totalFrames);
-        if (sounding) {
-            run = std::min<uint64_t>(run, s.lengthInFrames - p);
-            std::memcpy(outL + k, srcL + p, run * sizeof(int16_t));
-            std::memcpy(outR + k, srcR + p, run * sizeof(int16_t));
-        }
+        if (sound == SoundAt::Sounding) run = copySound(s, p, run, k, outL, outR);
         s.totalFrames += run;
         c += static_cast<uint32_t>(run);
         k += static_cast<uint32_t>(run);
     }
     if (s.playingNow) s.positionInFile += c;
-    if (s.positionInFile >= (sound ? sound->mBuffers[0].mDataByteSize : 0)) s.positionInFile = 0;
+    const AudioBufferList* list = s.audioSampleBufferList;
+    if (s.positionInFile >= (list ? list->mBuffers[0].mDataByteSize : 0)) s.positionInFile = 0;
 }
