@@ -10,35 +10,46 @@
 
 class AudioController;
 
-class LoopplayerMainThreadDelegate final : public LoopplayerDelegate {
+// What both bridges share: a serial number the main side looks up, so a
+// report for a bridge that is gone finds nothing.
+class MainThreadBridge {
+protected:
+    explicit MainThreadBridge(AudioController* controller);
+    ~MainThreadBridge();
+    MainThreadBridge(const MainThreadBridge&) = delete;
+    MainThreadBridge& operator=(const MainThreadBridge&) = delete;
+    void send(int kind, int value);                     // render thread
+    virtual void deliver(int kind, int value) = 0;     // main thread
+
+private:
+    static void arrive(AudioController*, void* userInfo, int32_t length);
+    AudioController* controller_;
+    uint64_t serial_;
+};
+
+class LoopplayerMainThreadDelegate final : public LoopplayerDelegate, private MainThreadBridge {
 public:
-    LoopplayerMainThreadDelegate(AudioController* controller, LoopplayerDelegate* target);
-    ~LoopplayerMainThreadDelegate() override;
+    LoopplayerMainThreadDelegate(AudioController* controller, LoopplayerDelegate* target)
+        : MainThreadBridge(controller), target_(target) {}
     void animateTact(uint16_t step) override;
     void animateStartPlaying(int slot) override;
     void animateStopPlaying(int slot) override;
     void loopEndRepeating() override;
 
 private:
-    void send(int kind, int value);
-    static void deliver(AudioController*, void* userInfo, int32_t length);
-    AudioController* controller_;
+    void deliver(int kind, int value) override;
     LoopplayerDelegate* target_;
-    uint64_t serial_;
 };
 
-class TrackplayerMainThreadDelegate final : public TrackplayerDelegate {
+class TrackplayerMainThreadDelegate final : public TrackplayerDelegate, private MainThreadBridge {
 public:
-    TrackplayerMainThreadDelegate(AudioController* controller, TrackplayerDelegate* target);
-    ~TrackplayerMainThreadDelegate() override;
+    TrackplayerMainThreadDelegate(AudioController* controller, TrackplayerDelegate* target)
+        : MainThreadBridge(controller), target_(target) {}
     void animatePlayingSquare(uint16_t square) override;
     void animatePlayingTact(uint16_t step) override;
     void trackFinishd() override;
 
 private:
-    void send(int kind, int value);
-    static void deliver(AudioController*, void* userInfo, int32_t length);
-    AudioController* controller_;
+    void deliver(int kind, int value) override;
     TrackplayerDelegate* target_;
-    uint64_t serial_;
 };
