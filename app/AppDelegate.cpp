@@ -9,7 +9,7 @@
 #include "engine/AudioFileLoaderOperation.h"
 #include "engine/AudioFilePlayer.h"
 #include "library/CoreDater.h"
-#include "library/content/Prepopulator.h"
+#include "library/content/OpenedLibrary.h"
 #include "library/media/Filer.h"
 #include "library/palette/Colorer.h"
 #include "library/store/LibraryStore.h"
@@ -69,12 +69,8 @@ AppDelegate* AppDelegate::shared() { return sharedDelegate; }
 bool AppDelegate::didFinishLaunching(const std::string& handedOverFile) {
     loadState();
     addAudioControlla();
-    if (baseIsEmpty()) {
-        qlog("baseIsEmpty");
-        Prepopulator::createSounds();
-        Prepopulator::createLoops();
-        Prepopulator::createTracks();
-    }
+    managedObjectContext();
+    OpenedLibrary::createBuiltInContentIfEmpty();  // whenever the store holds no sound at all
     playback_.loopplayers.clear();
     playback_.trackplayers.clear();
     playback_.loadedFiles.clear();

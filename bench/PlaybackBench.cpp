@@ -107,17 +107,23 @@ void BM_RenderHeaviestTrackOffline(benchmark::State& state) {
 // Measured in processor time: "times real time on one core".
 BENCHMARK(BM_RenderHeaviestTrackOffline)->Unit(benchmark::kMillisecond)->Iterations(3);
 
+// The application as launched on a machine without a sound card.
+AppDelegateOptions launchOptions(const std::string& folder, MainThread* mainThread) {
+    AppDelegateOptions options;
+    options.libraryFolder = folder;
+    options.settingsFile = folder + "/settings.ini";
+    options.driver = AudioDriverKind::Null;
+    options.mainThread = mainThread;
+    return options;
+}
+
 // First launch: an empty library gets its built-in content and the engine starts.
 void BM_FirstLaunch(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         std::string folder = freshFolder();
         RunLoopMainThread mainThread;
-        AppDelegateOptions options;
-        options.libraryFolder = folder;
-        options.settingsFile = folder + "/settings.ini";
-        options.driver = AudioDriverKind::Null;
-        options.mainThread = &mainThread;
+        AppDelegateOptions options = launchOptions(folder, &mainThread);
         state.ResumeTiming();
         {
             AppDelegate app(options);
@@ -135,11 +141,7 @@ BENCHMARK(BM_FirstLaunch)->Unit(benchmark::kMillisecond)->Iterations(5)->UseReal
 void BM_LaterLaunch(benchmark::State& state) {
     std::string folder = freshFolder();
     RunLoopMainThread mainThread;
-    AppDelegateOptions options;
-    options.libraryFolder = folder;
-    options.settingsFile = folder + "/settings.ini";
-    options.driver = AudioDriverKind::Null;
-    options.mainThread = &mainThread;
+    AppDelegateOptions options = launchOptions(folder, &mainThread);
     {
         AppDelegate first(options);
         first.didFinishLaunching();

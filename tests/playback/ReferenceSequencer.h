@@ -28,6 +28,29 @@ struct RefSlot {
     uint16_t square = 0;  // track rows only
 };
 
+// One frame of a slot's sound; answers true when the sound ran out here.
+inline bool refSoundFrame(RefSlot& s, uint32_t k, uint32_t& c, int16_t* outL, int16_t* outR) {
+    if (!s.needStart && !s.playing) return false;
+    bool ranOut = false;
+    s.playing = true;
+    if (s.needStart) {
+        s.position = 0;
+        c = 0;
+    }
+    uint32_t p = s.position + c;
+    if (p < s.sound->length()) {
+        outL[k] = s.sound->left[p];
+        outR[k] = s.sound->right[p];
+    } else {
+        outL[k] = outR[k] = 0;
+        s.position = 0;
+        s.playing = false;
+        ranOut = true;
+    }
+    s.needStart = false;
+    return ranOut;
+}
+
 inline uint64_t refFramesPerStep(float bpm) { return static_cast<uint64_t>(44100.0 / (double(bpm) * 4.0 / 60.0)); }
 
 struct RefLoop {
@@ -74,24 +97,7 @@ struct RefLoop {
                 ev.push_back({"stop", i});
                 s.endEarly = false;
             }
-            if (s.needStart || s.playing) {
-                s.playing = true;
-                if (s.needStart) {
-                    s.position = 0;
-                    c = 0;
-                }
-                uint32_t p = s.position + c;
-                if (p < s.sound->length()) {
-                    outL[k] = s.sound->left[p];
-                    outR[k] = s.sound->right[p];
-                } else {
-                    outL[k] = outR[k] = 0;
-                    s.position = 0;
-                    s.playing = false;
-                    ev.push_back({"stop", i});
-                }
-                s.needStart = false;
-            }
+            if (refSoundFrame(s, k, c, outL, outR)) ev.push_back({"stop", i});
             s.totalFrames++;
             c++;
         }
@@ -145,23 +151,7 @@ struct RefTrackRow {
                 bool on = s.square / 16 < 8 && ((parts[s.square / 16] >> (15 - s.square % 16)) & 1);
                 if (on && ((s.mask >> (15 - s.tact)) & 1)) s.needStart = true;
             }
-            if (s.needStart || s.playing) {
-                s.playing = true;
-                if (s.needStart) {
-                    s.position = 0;
-                    c = 0;
-                }
-                uint32_t p = s.position + c;
-                if (p < s.sound->length()) {
-                    outL[k] = s.sound->left[p];
-                    outR[k] = s.sound->right[p];
-                } else {
-                    outL[k] = outR[k] = 0;
-                    s.position = 0;
-                    s.playing = false;
-                }
-                s.needStart = false;
-            }
+            refSoundFrame(s, k, c, outL, outR);  // a track row does not report it
             s.totalFrames++;
             c++;
         }
