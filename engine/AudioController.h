@@ -4,12 +4,18 @@
 // lock-free message exchange between the main thread and the render thread.
 //
 // Threads: configuration calls come from the main thread (or, for a few, a
-// background thread: they are serialised by an internal lock). The render
+// background thread: they are serialised by internal locks). Rebuilding the
+// driver (start, stop, updateWithAudioDescription) holds only its own lock,
+// so the channel, group and receiver calls and the format queries never wait
+// for a rebuild running on another thread. The render
 // thread runs channel render functions, receivers and queued messages; it
 // never allocates, frees, locks or logs. The render thread reads the group
 // tables; the main side changes them only through a synchronous message
 // exchange, so a render pass sees a table either before or after a change,
 // and a removed entry is never touched once removeChannels has returned.
+// The main-side tables change before the exchange: a call made from a
+// handler that runs while an exchange waits (every render-to-main report can)
+// sees the change already made and finds nothing left to do twice.
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -84,8 +90,8 @@ public:
     bool updateWithAudioDescription(const AudioStreamDescription& description, bool inputEnabled,
                                     bool useVoiceProcessing, bool outputEnabled);
     AudioStreamDescription audioDescription() const;
-    bool inputEnabled() const { return inputEnabled_; }
-    bool outputEnabled() const { return outputEnabled_; }
+    bool inputEnabled() const { return inputEnabled_.load(std::memory_order_acquire); }
+    bool outputEnabled() const { return outputEnabled_.load(std::memory_order_acquire); }
     // Whether the running driver delivers microphone input.
     bool audioInputAvailable() const;
     // Seconds per render callback (256 frames at 44100 Hz), 0 when unknown.
@@ -105,6 +111,12 @@ public:
     AudioChannelGroup* createChannelGroupWithinChannelGroup(AudioChannelGroup* parent);
     // Removes the group with every channel and group inside it.
     void removeChannelGroup(AudioChannelGroup* group);
+    // Hands an emptied top-level group back: it stays in the engine, silent,
+    // and the next createChannelGroup returns it again (volume 1, pan 0,
+    // playing, not muted) instead of adding one more. Players that make a
+    // group each time they start give theirs back when they stop, so the
+    // top level never fills up with dead groups.
+    void releaseChannelGroup(AudioChannelGroup* group);
     std::vector<AudioChannelGroup*> topLevelChannelGroups() const;
 
     void setVolume(float volume, AudioChannelGroup* group);
@@ -193,30 +205,45 @@ private:
     void requestPoll();
 
     AudioChannelGroup* makeGroup(AudioChannelGroup* parent);
-    void removeEntries(const std::vector<AudioControllerEntry*>& entries);
+    void removeEntries(std::vector<AudioControllerEntry*> entries);
     void collectChannels(AudioChannelGroup* group, std::vector<std::shared_ptr<AudioChannel>>& out) const;
-    void destroyGroupTree(AudioChannelGroup* group);
+    bool isLiveGroup(AudioChannelGroup* group) const;
+    // Takes a group's subtree out of the main-side tables; the caller frees
+    // the entries and groups once the render thread has let go of them.
+    void detachGroupTree(AudioChannelGroup* group, std::vector<AudioControllerEntry*>& entries,
+                         std::vector<std::unique_ptr<AudioChannelGroup>>& groups);
     bool addReceiver(bool input, std::shared_ptr<AudioReceiver> receiver);
     void removeReceiver(bool input, const std::shared_ptr<AudioReceiver>& receiver);
 
     // Configuration (main side).
-    AudioStreamDescription description_;
-    bool inputEnabled_;
+    AudioStreamDescription description_;  // written only under the render guard and descriptionMutex_
+    mutable std::mutex descriptionMutex_;
+    std::atomic<bool> inputEnabled_;
     bool useVoiceProcessing_;
-    bool outputEnabled_;
+    std::atomic<bool> outputEnabled_;
     AudioControllerOptions options_;
     std::unique_ptr<RunLoopMainThread> ownMainThread_;
     MainThread* mainThread_ = nullptr;
     std::unique_ptr<AudioDriver> driver_;
     uint32_t offlinePassFrames_ = 256;
     std::atomic<bool> running_{false};
-    bool offline_ = false;
-    mutable std::recursive_mutex configMutex_;
+    std::atomic<bool> offline_{false};
+    // What the driver answered when it started, readable without its lock.
+    std::atomic<double> bufferDuration_{0.0};
+    std::atomic<bool> inputRunning_{false};
+    std::atomic<const char*> driverName_{""};
+    // The driver's life cycle (start, stop, rebuild, recovery). Nothing else
+    // takes it, so nothing waits for a rebuild.
+    mutable std::recursive_mutex lifecycleMutex_;
+    // The channel, group and receiver tables (main side). Recursive: a
+    // handler run while an exchange waits may change them again.
+    mutable std::recursive_mutex treeMutex_;
 
     // The group tree. groups_ owns every group; each group's main-side entry
     // list mirrors its render-side table.
     AudioChannelGroup* top_ = nullptr;
     std::vector<std::unique_ptr<AudioChannelGroup>> groups_;
+    std::vector<AudioChannelGroup*> idleGroups_;  // released, empty, waiting for reuse
     std::unordered_map<AudioChannel*, AudioControllerEntry*> entryOfChannel_;
 
     // Receivers: main-side owners and render-side tables.
