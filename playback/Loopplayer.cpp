@@ -38,6 +38,7 @@ inline bool stepIsSet(uint16_t mask, uint32_t step) { return (mask >> (15 - step
 
 Loopplayer::Loopplayer(PlaybackContext* context) : context_(context ? context : &PlaybackContext::shared()) {
     controller_ = context_->audioController;
+    delegate_.setController(controller_);
 }
 
 Loopplayer::~Loopplayer() {
@@ -187,9 +188,16 @@ void Loopplayer::changeItemsAtIndex(int destination, int source) {
 }
 
 void Loopplayer::stopLoopplayer() {
-    if (channels_.empty()) return;
-    if (controller_) controller_->removeChannels(channels_);
+    if (channels_.empty()) {
+        releaseEngineResources();  // a player whose sounds all failed to load still holds its group
+        return;
+    }
+    // Emptied first: a report handled while the removal waits may stop this
+    // player again, and then finds it stopped.
+    const std::vector<std::shared_ptr<AudioChannel>> channels = std::move(channels_);
     channels_.clear();
+    if (controller_) controller_->removeChannels(channels);
+    releaseEngineResources();
     for (auto& f : files_) f.reset();
     for (auto& c : blockChannels_) c.reset();
     freeLoadedFiles();
@@ -204,7 +212,8 @@ void Loopplayer::reallyFreeLoadedFiles() {
     context_->freeRetiredFiles();
 }
 
-void Loopplayer::stopLoop(const std::shared_ptr<Loopplayer>& player) {
+void Loopplayer::stopLoop(const std::shared_ptr<Loopplayer>& caller) {
+    const std::shared_ptr<Loopplayer> player = caller;  // alive even if a nested stop drops the caller's copy
     if (!player) return;
     player->stopLoopplayer();
     auto& list = player->context_->loopplayers;

@@ -51,11 +51,11 @@ public:
     void stopLoopplayer();
     virtual void freeLoadedFiles() {}
     void reallyFreeLoadedFiles();
-    static void stopLoop(const std::shared_ptr<Loopplayer>& player);
+    static void stopLoop(const std::shared_ptr<Loopplayer>& caller);
 
     Loop* loop() const { return loop_; }
-    LoopplayerDelegate* delegate() const { return delegate_.load(std::memory_order_acquire); }
-    void setDelegate(LoopplayerDelegate* d) { delegate_.store(d, std::memory_order_release); }
+    LoopplayerDelegate* delegate() const QUILLO_NONBLOCKING { return delegate_.get(); }
+    void setDelegate(LoopplayerDelegate* d) { delegate_.set(d); }
     bool isStopped() const { return channels_.empty(); }
     // The channel of a slot (none when its sound could not be loaded).
     std::shared_ptr<AudioChannel> channelAtIndex(int slot) const;
@@ -67,6 +67,8 @@ protected:
     virtual void addChannelsAndStart();
     void loadFile(int slot, const std::string& url);  // loadFile:fromURL:
     void addChannelsToControlla();
+    // The channels have left the engine (or never entered it).
+    virtual void releaseEngineResources() {}
     virtual std::shared_ptr<BlockChannel> blockChannelForOperation(int slot);
     void takeSoundOfSlot(int slot);  // points the render state at _files[slot]
 
@@ -77,7 +79,7 @@ protected:
     PlaybackContext* context_;
     AudioController* controller_ = nullptr;
     Loop* loop_ = nullptr;
-    std::atomic<LoopplayerDelegate*> delegate_{nullptr};
+    DelegateLink<LoopplayerDelegate> delegate_;
     std::atomic<bool> paused_{false};
     std::atomic<float> bpm_{90.0f};
     std::atomic<bool> ended_{false};

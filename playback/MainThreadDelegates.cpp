@@ -41,7 +41,7 @@ void MainThreadBridge::arrive(AudioController*, void* userInfo, int32_t) {
 }
 
 void LoopplayerMainThreadDelegate::deliver(int kind, int value) {
-    if (!target_) return;
+    if (!target_ || targetLifetime_.expired()) return;  // the screen went while the report was queued
     switch (kind) {
     case kTact: target_->animateTact(static_cast<uint16_t>(value)); break;
     case kStart: target_->animateStartPlaying(value); break;
@@ -57,7 +57,7 @@ void LoopplayerMainThreadDelegate::animateStopPlaying(int slot) { send(kStop, sl
 void LoopplayerMainThreadDelegate::loopEndRepeating() { send(kEnd, 0); }
 
 void TrackplayerMainThreadDelegate::deliver(int kind, int value) {
-    if (!target_) return;
+    if (!target_ || targetLifetime_.expired()) return;
     switch (kind) {
     case kSquare: target_->animatePlayingSquare(static_cast<uint16_t>(value)); break;
     case kTrackTact: target_->animatePlayingTact(static_cast<uint16_t>(value)); break;

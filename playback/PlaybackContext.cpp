@@ -21,4 +21,10 @@ size_t PlaybackContext::freeRetiredFiles() {
     return retiredFiles.size();
 }
 
-PlaybackContext::~PlaybackContext() { freeRetiredFiles(); }
+PlaybackContext::~PlaybackContext() {
+    // Players still listed stop as they go (a track player stops its rows),
+    // while the cache and the retired sounds are still here.
+    trackplayers.clear();
+    loopplayers.clear();
+    freeRetiredFiles();
+}

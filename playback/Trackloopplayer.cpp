@@ -17,6 +17,7 @@ std::shared_ptr<Trackloopplayer> Trackloopplayer::create(Loop* loop, LoopplayerD
                                                          uint32_t startSquare, bool repeatTrack,
                                                          PlaybackContext* context) {
     std::shared_ptr<Trackloopplayer> p(new Trackloopplayer(context));
+    p->telegate_.setController(p->controller_);
     p->trackLen_ = repeatTimes;
     p->repeatTimes_ = repeatTimes - startSquare;
     p->repeatTrack_ = repeatTrack;
@@ -25,6 +26,19 @@ std::shared_ptr<Trackloopplayer> Trackloopplayer::create(Loop* loop, LoopplayerD
     p->setTelegate(telegat);
     p->startAfterSetLoop(loop, delegate, bpm);
     return p;
+}
+
+Trackloopplayer::~Trackloopplayer() {
+    // Dropped without a stop: out of the engine before the render blocks
+    // (which point at this object) could run again, and the group given back.
+    if (!channels_.empty() && controller_) controller_->removeChannels(channels_);
+    channels_.clear();
+    releaseEngineResources();
+}
+
+void Trackloopplayer::releaseEngineResources() {
+    if (controller_ && loopgroup_) controller_->releaseChannelGroup(loopgroup_);
+    loopgroup_ = nullptr;
 }
 
 void Trackloopplayer::setCurrentSquare(uint16_t square) { curSquare_.fill(square); }

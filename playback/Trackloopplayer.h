@@ -24,13 +24,16 @@ public:
     void reallyAddChannelsToControlla(AudioController* controller);
     AudioChannelGroup* getLoopGrop() const { return loopgroup_; }
     void freeLoadedFiles() override { reallyFreeLoadedFiles(); }
-    TrackloopplayerDelegate* telegate() const { return telegate_.load(std::memory_order_acquire); }
-    void setTelegate(TrackloopplayerDelegate* t) { telegate_.store(t, std::memory_order_release); }
+    ~Trackloopplayer() override;
+    TrackloopplayerDelegate* telegate() const QUILLO_NONBLOCKING { return telegate_.get(); }
+    void setTelegate(TrackloopplayerDelegate* t) { telegate_.set(t); }
     bool isPaused() const { return paused_.load(std::memory_order_relaxed); }
 
 protected:
     explicit Trackloopplayer(PlaybackContext* context) : Loopplayer(context) {}
     void addChannelsAndStart() override;
+    // Also gives the row's group back to the engine for the next track.
+    void releaseEngineResources() override;
     std::shared_ptr<BlockChannel> blockChannelForOperation(int slot) override;
 
 private:
@@ -44,5 +47,5 @@ private:
     uint64_t trackLen_ = 0;
     bool repeatTrack_ = false;
     std::atomic<bool> ihasDelegat_{false};
-    std::atomic<TrackloopplayerDelegate*> telegate_{nullptr};
+    DelegateLink<TrackloopplayerDelegate> telegate_;
 };

@@ -9,13 +9,16 @@
 
 Trackplayer::Trackplayer(PlaybackContext* context) : context_(context ? context : &PlaybackContext::shared()) {}
 
-Trackplayer::~Trackplayer() = default;
+// Stopping is part of going: the rows report to this object from the render
+// thread, so they leave the engine first.
+Trackplayer::~Trackplayer() { stopTrackplayer(); }
 
 std::shared_ptr<Trackplayer> Trackplayer::create(Track* track, TrackplayerDelegate* delegate, uint32_t startSquare,
                                                  bool repeatTrack, PlaybackContext* context) {
     std::shared_ptr<Trackplayer> p(new Trackplayer(context));
     p->track_ = track;
     p->setDelegate(delegate);
+    p->delegate_.setController(p->context_->audioController);
     p->bpm_ = static_cast<float>(track->bpm());
     p->paused_ = false;
     p->repeatTimes_ = static_cast<uint64_t>(track->squaresnum());
@@ -68,16 +71,18 @@ void Trackplayer::setPausd(bool paused) {
 
 void Trackplayer::stopTrackplayer() {
     setPausd(true);
-    for (size_t j = 0; j < tloopplayers_.size(); ++j) {
-        if (!tloopplayers_[j]) continue;
-        Loopplayer::stopLoop(tloopplayers_[j]);
-        tloopplayers_[j].reset();
+    for (auto& entry : tloopplayers_) {
+        // Out of the table before stopping: a report handled while the stop
+        // waits for the render thread may stop this track again.
+        std::shared_ptr<Trackloopplayer> row = std::move(entry);
+        if (row) Loopplayer::stopLoop(row);
     }
     // The rows' render blocks are gone from the engine; nothing walks rows_ now.
     rows_.fill(nullptr);
 }
 
-void Trackplayer::stopTrack(const std::shared_ptr<Trackplayer>& player) {
+void Trackplayer::stopTrack(const std::shared_ptr<Trackplayer>& caller) {
+    const std::shared_ptr<Trackplayer> player = caller;  // alive even if a nested stop drops the caller's copy
     if (!player) return;
     player->stopTrackplayer();
     auto& list = player->context_->trackplayers;

@@ -29,11 +29,11 @@ public:
     void setNewBpm(float bpm);
     void setPausd(bool paused);
     void stopTrackplayer();
-    static void stopTrack(const std::shared_ptr<Trackplayer>& player);
+    static void stopTrack(const std::shared_ptr<Trackplayer>& caller);
 
     Track* track() const { return track_; }
-    TrackplayerDelegate* delegate() const { return delegate_.load(std::memory_order_acquire); }
-    void setDelegate(TrackplayerDelegate* d) { delegate_.store(d, std::memory_order_release); }
+    TrackplayerDelegate* delegate() const QUILLO_NONBLOCKING { return delegate_.get(); }
+    void setDelegate(TrackplayerDelegate* d) { delegate_.set(d); }
     std::shared_ptr<Trackloopplayer> entry(int index) const;
 
     // Reports from the rows (render thread).
@@ -49,7 +49,7 @@ private:
 
     PlaybackContext* context_;
     Track* track_ = nullptr;
-    std::atomic<TrackplayerDelegate*> delegate_{nullptr};
+    DelegateLink<TrackplayerDelegate> delegate_;
     std::atomic<bool> paused_{false};
     float bpm_ = 0;
     uint64_t repeatTimes_ = 0;
