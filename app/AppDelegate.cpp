@@ -134,14 +134,18 @@ void AppDelegate::removeAllChannelsFromAC() {
     // Pause every player first: the teardown below frees shared sounds while
     // later players in the list are still in the engine, and a paused render
     // block reads nothing.
-    for (auto& p : playback_.loopplayers) p->setPausd(true);
-    for (auto& p : playback_.loopplayers) {
+    // The lists are taken first: a report handled while a stop waits for the
+    // render thread may stop players (and change the lists) itself.
+    const auto loopplayers = std::move(playback_.loopplayers);
+    playback_.loopplayers.clear();
+    const auto trackplayers = std::move(playback_.trackplayers);
+    playback_.trackplayers.clear();
+    for (auto& p : loopplayers) p->setPausd(true);
+    for (auto& p : loopplayers) {
         p->stopLoopplayer();
         p->reallyFreeLoadedFiles();
     }
-    playback_.loopplayers.clear();
-    for (auto& t : playback_.trackplayers) t->stopTrackplayer();
-    playback_.trackplayers.clear();
+    for (auto& t : trackplayers) t->stopTrackplayer();
     if (!playback_.loadedFiles.empty()) {
         for (auto& entry : playback_.loadedFiles) Filer::freeBufList(entry.second->bufferList());
         playback_.loadedFiles.clear();
@@ -157,9 +161,11 @@ void AppDelegate::removeAllChannelsFromAC() {
 }
 
 void AppDelegate::removeOnesht() {
-    if (!oneshot) return;
-    if (controller_) controller_->removeChannels({oneshot});
+    // Taken first: its finish report may arrive while the removal waits, and
+    // a handler may call this again.
+    const std::shared_ptr<AudioFilePlayer> player = std::move(oneshot);
     oneshot.reset();
+    if (player && controller_) controller_->removeChannels({player});
 }
 
 // ---------------------------------------------------------------------------

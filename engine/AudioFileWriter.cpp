@@ -322,6 +322,8 @@ bool AudioFileWriter::beginWritingToFileAtPath(const std::string& path, uint32_t
         }
     }
     ring_.clear();
+    failedStatus_.store(0);
+    failing_ = false;
     sink_ = std::move(sink);
     path_ = path;
     stopWriterThread_.store(false);
@@ -346,7 +348,13 @@ void AudioFileWriter::drainRing() {
     const int32_t frameBytes = int32_t(fileChannels_ * sizeof(int16_t));
     const uint32_t count = uint32_t(avail / frameBytes);
     if (!frames || count == 0 || !sink_) return;
-    if (int32_t err = sink_->write(frames, count)) QUILLO_CHECK_RESULT(err, "ExtAudioFileWriteAsync");
+    if (int32_t err = sink_->write(frames, count)) {
+        QUILLO_CHECK_RESULT(err, "ExtAudioFileWriteAsync");
+        if (!failing_) failedStatus_.store(err);  // told once per run of failures
+        failing_ = true;
+    } else {
+        failing_ = false;
+    }
     ring_.consume(int32_t(count) * frameBytes);
 }
 
@@ -370,7 +378,8 @@ int32_t AudioFileWriter::addAudio(const AudioBufferList* audio, uint32_t frames)
     if (!convertToFileFrames(client_, audio, frames, fileChannels_, static_cast<int16_t*>(head)))
         return kAudioFileWriterBadBuffers;
     ring_.produce(bytes);
-    return 0;
+    // Taken; but an earlier write to the file failed since the last append.
+    return failedStatus_.exchange(0, std::memory_order_relaxed);
 }
 
 int32_t AudioFileWriter::addAudioSynchronously(const AudioBufferList* audio, uint32_t frames) {

@@ -6,7 +6,11 @@
 // it converts the frames into a pre-allocated lock-free ring (4 s of audio)
 // that a writer thread drains to the file every 10 ms; it never blocks and
 // loses nothing while the ring has room, and answers a non-zero status when
-// it cannot take the frames. AudioFileWriterAddAudioSynchronously writes on
+// it cannot take the frames. A write to the file that fails on the writer
+// thread (a full disk) is not lost in a log: the next asynchronous append
+// answers its status (the frames it is given are still taken), once per run
+// of failures, and takeWriteFailure() answers one the appends did not.
+// AudioFileWriterAddAudioSynchronously writes on
 // the calling thread (after whatever the ring still holds). Opening and
 // finishing are main-thread operations.
 #include <atomic>
@@ -53,6 +57,9 @@ public:
     static bool AACEncodingAvailable();
 
     int32_t addAudio(const AudioBufferList* audio, uint32_t frames) QUILLO_NONBLOCKING;
+    // The status of a failed background write not yet answered by addAudio
+    // (0 when none), and forgets it.
+    int32_t takeWriteFailure() { return failedStatus_.exchange(0); }
     int32_t addAudioSynchronously(const AudioBufferList* audio, uint32_t frames);
 
     struct Sink;  // the open file (libsndfile or FFmpeg)
@@ -70,6 +77,8 @@ private:
     std::thread writerThread_;
     std::atomic<bool> stopWriterThread_{false};
     std::atomic<bool> writing_{false};
+    std::atomic<int32_t> failedStatus_{0};
+    bool failing_ = false;  // under sinkMutex_: the last background write failed
 };
 
 // Render-thread safe append (see above); 0 when the frames were taken.

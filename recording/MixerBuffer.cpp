@@ -73,6 +73,7 @@ MixerBuffer::Source* MixerBuffer::sourceFor(const void* id) {
     Source& s = sources_[size_t(count_++)];
     s.id = id;
     s.live = false;
+    s.delivered = false;
     s.head = 0;
     return &s;
 }
@@ -81,11 +82,13 @@ void MixerBuffer::reset() {
     for (Source& s : sources_) {
         s.id = nullptr;
         s.live = false;
+        s.delivered = false;
         s.head = 0;
     }
     count_ = 0;
     started_ = false;
     next_ = 0;
+    largestBlock_ = 0;
 }
 
 void MixerBuffer::enqueue(const void* source, const AudioBufferList* audio, uint32_t frames,
@@ -114,6 +117,8 @@ void MixerBuffer::enqueue(const void* source, const AudioBufferList* audio, uint
         s->live = true;
         s->head = t0;
     }
+    s->delivered = true;
+    largestBlock_ = std::max(largestBlock_, frames);
     // More than a ring ahead of what has left: the oldest frames are lost.
     if (t1 - next_ > int64_t(kRingFrames)) next_ = t1 - int64_t(kRingFrames);
 
@@ -139,29 +144,31 @@ void MixerBuffer::enqueue(const void* source, const AudioBufferList* audio, uint
     s->head = t1;
 }
 
-int64_t MixerBuffer::readyEnd() const {
+int64_t MixerBuffer::readyEnd(bool everything) const {
     int64_t lead = INT64_MIN;
     for (int i = 0; i < count_; ++i) {
         const Source& s = sources_[size_t(i)];
         if (s.live) lead = std::max(lead, s.head);
     }
+    if (everything) return lead;
     int64_t end = lead;
     for (int i = 0; i < count_; ++i) {
         const Source& s = sources_[size_t(i)];
-        if (s.live && lead - s.head <= int64_t(kMaxLagFrames)) end = std::min(end, s.head);
+        const int64_t allowedLag = s.delivered ? int64_t(kMaxLagFrames) : int64_t(largestBlock_);
+        if (s.live && lead - s.head <= allowedLag) end = std::min(end, s.head);
     }
     return end;
 }
 
-uint32_t MixerBuffer::peekFrames() const {
+uint32_t MixerBuffer::peekFrames(bool everything) const {
     if (!started_) return 0;
-    const int64_t ready = readyEnd() - next_;
+    const int64_t ready = readyEnd(everything) - next_;
     return ready > 0 ? uint32_t(std::min<int64_t>(ready, kRingFrames)) : 0;
 }
 
-uint32_t MixerBuffer::dequeue(AudioBufferList* audio, uint32_t maxFrames) {
+uint32_t MixerBuffer::dequeue(AudioBufferList* audio, uint32_t maxFrames, bool everything) {
     if (!audio || audio->mNumberBuffers == 0) return 0;
-    uint32_t n = std::min(peekFrames(), maxFrames);
+    uint32_t n = std::min(peekFrames(everything), maxFrames);
     const uint32_t buffers = std::min<uint32_t>(audio->mNumberBuffers, 2);
     int16_t* out[2] = {nullptr, nullptr};
     for (uint32_t b = 0; b < buffers; ++b) {

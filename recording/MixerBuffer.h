@@ -5,11 +5,13 @@
 // Every source has its own pre-allocated ring in the engine format (int16,
 // left and right buffers). A frame leaves the mixer once every source that is
 // keeping up has delivered it: a lone source passes through bit for bit, two
-// or more are summed and clamped to 16 bits. A source that falls more than
-// kMaxLagFrames behind the one furthest ahead (a microphone that delivers
-// nothing, a source that went away) no longer holds the others up; its
-// missing frames are silence and whatever it delivers later for frames that
-// have already left is dropped.
+// or more are summed and clamped to 16 bits. A source that has delivered and
+// falls more than kMaxLagFrames behind the one furthest ahead (a source that
+// went away) no longer holds the others up; one that has not delivered at all
+// (a microphone expected on a machine that has none) holds them up for one
+// block at most, so a short take keeps its start. Missing frames are silence,
+// and whatever a source delivers later for frames that have already left is
+// dropped.
 //
 // Threads: enqueue and dequeue never allocate, lock or block; they are called
 // from one thread at a time (the render thread, in the recorder's receiver
@@ -57,10 +59,12 @@ public:
     // Buffers whose mData is null are pointed at the mixer's own memory (valid
     // until the next call; at most kMaxDequeueFrames); otherwise the frames
     // are written into the caller's buffers, at most mDataByteSize of them.
-    uint32_t dequeue(AudioBufferList* audio, uint32_t maxFrames) QUILLO_NONBLOCKING;
+    // With `everything` (the end of a recording) no source is waited for: all
+    // frames up to the one furthest ahead are ready.
+    uint32_t dequeue(AudioBufferList* audio, uint32_t maxFrames, bool everything = false) QUILLO_NONBLOCKING;
 
     // Frames that would be ready now.
-    uint32_t peekFrames() const QUILLO_NONBLOCKING;
+    uint32_t peekFrames(bool everything = false) const QUILLO_NONBLOCKING;
 
     // Forgets every frame and every source, expected ones included.
     void reset() QUILLO_NONBLOCKING;
@@ -71,6 +75,7 @@ private:
     struct Source {
         const void* id = nullptr;
         bool live = false;  // has a head: delivered, or expected and the mix started
+        bool delivered = false;
         int64_t head = 0;   // one past the last frame it holds
         int16_t* left = nullptr;
         int16_t* right = nullptr;
@@ -78,12 +83,13 @@ private:
 
     Source* sourceFor(const void* id) QUILLO_NONBLOCKING;
     // The end of the ready range: the earliest head among sources keeping up.
-    int64_t readyEnd() const QUILLO_NONBLOCKING;
+    int64_t readyEnd(bool everything) const QUILLO_NONBLOCKING;
 
     std::array<Source, kMaxSources> sources_{};
     int count_ = 0;
     bool started_ = false;
     int64_t next_ = 0;  // time of the next frame to leave
+    uint32_t largestBlock_ = 0;  // one render pass, as far as the mixer can tell
     int16_t* outLeft_ = nullptr;   // the mixer's own output buffers
     int16_t* outRight_ = nullptr;
     int32_t* sumLeft_ = nullptr;   // sums of a chunk of frames

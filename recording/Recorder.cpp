@@ -55,7 +55,9 @@ Recorder::~Recorder() {
         std::lock_guard<std::mutex> lock(registryMutex());
         registry().erase(serial_);
     }
-    finishRecording();
+    // The engine may be gone by now: no exchange with it, just close.
+    recording_.store(false, std::memory_order_release);
+    writer_->finishWriting();
 }
 
 void Recorder::expectSources(bool input, bool output) {
@@ -89,8 +91,31 @@ void RecorderStartRecording(Recorder* recorder) {
 }
 
 void Recorder::finishRecording() {
-    recording_.store(false, std::memory_order_release);
+    const bool wasRecording = recording_.exchange(false, std::memory_order_acq_rel);
+    if (wasRecording && writer_->writing()) {
+        // On the render thread between passes (the mixer is the render
+        // thread's, attached or not), or here when nothing renders.
+        if (controller_) controller_->performSynchronousMessageExchangeWithBlock([this] { writeWhatTheMixerHolds(); });
+        else writeWhatTheMixerHolds();
+    }
     writer_->finishWriting();
+    if (const int32_t status = writer_->takeWriteFailure()) notifyWriteError(this, status);
+}
+
+void Recorder::writeWhatTheMixerHolds() {
+    for (;;) {
+        for (uint32_t b = 0; b < buffer_.mNumberBuffers; ++b) {
+            buffer_.mBuffers[b].mData = nullptr;
+            buffer_.mBuffers[b].mDataByteSize = 0;
+        }
+        const uint32_t ready = mixer_->dequeue(&buffer_, kMaxFramesPerDequeue, true);
+        if (ready == 0) return;
+        if (const int32_t status = AudioFileWriterAddAudio(writer_.get(), &buffer_, ready)) {
+            const WriteFailure failure{serial_, status};
+            AudioControllerSendAsynchronousMessageToMainThread(controller_, errorOnMainThread, &failure,
+                                                               int32_t(sizeof failure));
+        }
+    }
 }
 
 std::string Recorder::path() const { return writer_->path(); }
@@ -128,11 +153,15 @@ void Recorder::errorOnMainThread(AudioController*, void* userInfo, int32_t lengt
         auto it = registry().find(failure.serial);
         if (it != registry().end()) recorder = it->second;
     }
+    notifyWriteError(recorder, failure.status);
+}
+
+void Recorder::notifyWriteError(Recorder* recorder, int32_t status) {
     // The translated text keeps its "%d"; the code goes in its place.
     std::string text = localized("Error while saving audio: Code %d");
     const size_t at = text.find("%d");
-    if (at != std::string::npos) text.replace(at, 2, std::to_string(failure.status));
-    const AudioError error{kAudioErrorOSStatusDomain, int(failure.status), text};
+    if (at != std::string::npos) text.replace(at, 2, std::to_string(status));
+    const AudioError error{kAudioErrorOSStatusDomain, int(status), text};
     if (observer()) observer()(kErrorNotification, recorder, error);
 }
 

@@ -55,7 +55,9 @@ public:
     bool beginRecordingToFileAtPath(const std::string& path, uint32_t fileType, uint32_t bitDepth, uint32_t channels,
                                     AudioError* error);
     bool beginRecordingToFileAtPath(const std::string& path, uint32_t fileType, AudioError* error);
-    // Stops taking audio, then closes the file.
+    // Stops taking audio, writes what the mixer still holds (a source that
+    // never delivered is not waited for), then closes the file. A write that
+    // failed on the way is reported as kErrorNotification before it returns.
     void finishRecording();
 
     bool recording() const { return recording_.load(std::memory_order_acquire); }
@@ -79,6 +81,8 @@ public:
 private:
     friend void RecorderStartRecording(Recorder* recorder);
     static void errorOnMainThread(AudioController* controller, void* userInfo, int32_t length);
+    static void notifyWriteError(Recorder* recorder, int32_t status);
+    void writeWhatTheMixerHolds() QUILLO_NONBLOCKING;
 
     AudioController* controller_;
     double sampleRate_;

@@ -2,6 +2,9 @@
 // frame, microphone and output mixed, and write errors reported.
 #include <gtest/gtest.h>
 
+#include <signal.h>
+#include <sys/resource.h>
+
 #include <cmath>
 #include <thread>
 
@@ -123,6 +126,77 @@ TEST(Recorder, WriteErrorsReachTheMainThreadAsANotification) {
     ASSERT_EQ(seen.size(), 3u);
     EXPECT_EQ(seen[2].first, nullptr);
     Recorder::setNotificationObserver(nullptr);
+}
+
+TEST(Recorder, ShortTakeOnTheNullDeviceWithInputRequestedKeepsItsOutputFrames) {
+    // The sound editor's take on a machine without a microphone: input is
+    // expected, never delivered, and must not swallow a short take.
+    TempDir dir;
+    Engine e(AudioDriverKind::Null, true);
+    ASSERT_TRUE(e.c.start(nullptr));
+    auto recorder = std::make_shared<Recorder>(&e.c);
+    recorder->expectSources(true, true);
+    ASSERT_TRUE(recorder->prepareRecordingToFileAtPath(dir.file("take.wav"), kAudioFileWAVEType, nullptr));
+    std::atomic<int64_t> startFrame{-1};
+    Recorder* raw = recorder.get();
+    ASSERT_TRUE(e.c.addReceiversWithBlock(recorder, recorder, [&startFrame, &e, raw] {
+        RecorderStartRecording(raw);
+        startFrame.store(e.channel->nextFrame.load(std::memory_order_acquire));
+    }));
+    e.main.runUntil([&] { return recorder->currentTime() >= 0.1; }, std::chrono::seconds(10));
+    e.c.removeInputReceiver(recorder);
+    e.c.removeOutputReceiver(recorder);
+    const double seconds = recorder->currentTime();
+    recorder->finishRecording();
+    e.c.stop();
+
+    const WavContents w = readWav(dir.file("take.wav"));
+    ASSERT_GE(seconds, 0.1);
+    ASSERT_EQ(w.frames, int64_t(std::llround(seconds * 44100.0)));
+    for (int64_t k = 0; k < w.frames; ++k) ASSERT_EQ(w.at(k, 0), frameLeft(startFrame + k)) << k;
+}
+
+TEST(Recorder, AFullDiskDuringATakeIsReportedOnTheMainThread) {
+    TempDir dir;
+    Engine e(AudioDriverKind::Offline, false);
+    ASSERT_TRUE(e.c.start(nullptr));
+    std::vector<std::pair<Recorder*, AudioError>> seen;
+    const auto mainId = std::this_thread::get_id();
+    Recorder::setNotificationObserver([&](const std::string& name, Recorder* object, const AudioError& error) {
+        EXPECT_EQ(name, "RecorderDidEncounterErrorNotification");
+        EXPECT_EQ(std::this_thread::get_id(), mainId);
+        seen.push_back({object, error});
+    });
+    auto recorder = std::make_shared<Recorder>(&e.c);
+    recorder->expectSources(false, true);
+    ASSERT_TRUE(recorder->beginRecordingToFileAtPath(dir.file("take.wav"), kAudioFileWAVEType, nullptr));
+    e.c.addOutputReceiver(recorder);
+
+    // The disk fills after about 0.2 s of stereo audio.
+    rlimit saved{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    rlimit small = saved;
+    small.rlim_cur = 32768;
+    auto oldHandler = signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    // Rendered as a device would, pass by pass, while the writer thread writes.
+    for (int pass = 0; pass < 3000 && seen.empty(); ++pass) {
+        e.c.renderOffline(256);
+        e.c.pollForMessageResponses();
+        std::this_thread::sleep_for(std::chrono::microseconds(500));
+    }
+    const size_t duringTake = seen.size();
+    e.c.removeOutputReceiver(recorder);
+    recorder->finishRecording();
+    setrlimit(RLIMIT_FSIZE, &saved);
+    signal(SIGXFSZ, oldHandler);
+    Recorder::setNotificationObserver(nullptr);
+
+    ASSERT_EQ(duringTake, 1u) << "reported while recording, once";
+    EXPECT_EQ(seen[0].first, recorder.get());
+    EXPECT_NE(seen[0].second.code, 0);
+    EXPECT_EQ(seen[0].second.localizedDescription,
+              "Error while saving audio: Code " + std::to_string(seen[0].second.code));
 }
 
 }  // namespace
