@@ -6,6 +6,7 @@
 
 #include "engine/AudioFileLoaderOperation.h"
 #include "playback/MainThreadDelegates.h"
+#include "playback/Trackloopplayer.h"
 #include "playback/Trackplayer.h"
 #include "tests/playback/PlayerHarness.h"
 
@@ -91,4 +92,37 @@ TEST_F(PlaybackRealtime, DeviceThreadPlaysWhileTheMainThreadEdits) {
     EXPECT_GT(seen.tacts, 0);
     device->stop();
     controller = std::move(device);
+}
+
+TEST_F(PlaybackRealtime, FiniteLoopAndTrackWithoutRepeatPlayToTheirEndsInTheRenderPass) {
+    // The ends are decided on the render thread: the loop's last repeat, and
+    // the track's last square, where the track player pauses all its rows
+    // (setPausd) from inside the render pass.
+    addSound("S0", 1, 3000);
+    Loop* loop = makeLoop(140, {{"S0", "1---1---1---1---", 100}});
+    auto& d = CoreDater::shIns();
+    Track* track = d.createPreloadedTrack(
+        "T", 140, 2,
+        {d.createTrackLoopWithLoop(loop, {d.loopSqrsWithSquares(0xFFFF)}, 100, 1),
+         d.createTrackLoopWithLoop(loop, {d.loopSqrsWithSquares(0x4000)}, 60, 2)},
+        "X");
+    Counting seen;
+    LoopplayerMainThreadDelegate loopBridge(controller.get(), &seen);
+    TrackplayerMainThreadDelegate trackBridge(controller.get(), &seen);
+    auto player = Loopplayer::create(loop, &loopBridge, 3, 140.0f, &context);
+    auto trackPlayer = Trackplayer::create(track, &trackBridge, 0, false, &context);
+    std::vector<int16_t> l(4096), r(4096);
+    AudioBufferList out{2, {{1, 8192, l.data()}, {1, 8192, r.data()}}};
+    const uint64_t bar = 16 * framesPerStep(140.0f);
+    for (uint64_t done = 0; done < 4 * bar; done += 4096) {
+        controller->renderOffline(4096, &out);
+        mainThread.runPending();
+        controller->pollForMessageResponses();
+    }
+    EXPECT_EQ(seen.ends, 2) << "the loop's end and the track's, once each";
+    EXPECT_TRUE(trackPlayer->entry(0)->isPaused() && trackPlayer->entry(1)->isPaused());
+    controller->renderOffline(4096, &out);
+    EXPECT_TRUE(std::all_of(l.begin(), l.end(), [](int16_t s) { return s == 0; })) << "all silent after the ends";
+    Trackplayer::stopTrack(trackPlayer);
+    Loopplayer::stopLoop(player);
 }
