@@ -1,6 +1,6 @@
 #include "engine/AudioFileLoaderOperation.h"
 
-#include <samplerate.h>
+#include <soxr.h>
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -173,6 +173,10 @@ AudioBufferList* allocateUnzeroed(const AudioStreamDescription& d, uint32_t fram
     }
     return list;
 }
+
+struct SoxrDeleter {
+    void operator()(soxr* s) const { soxr_delete(s); }
+};
 
 struct SndfileCloser {
     void operator()(SNDFILE* f) const {
@@ -347,106 +351,132 @@ void AudioFileLoaderOperation::main() {
     };
 
     int32_t readError = 0;
-    const bool int16Path = !resample && !audioDescriptionIsFloat(t);
-    std::vector<int16_t> shorts;
-    std::vector<float> floats, mapped, resampled;
-    SRC_STATE* src = nullptr;
-    SRC_DATA srcData{};
     // Read 16384 frames per call (fewer system calls; fewer for files with
     // many channels); the receiver still gets 4096-frame pieces.
     uint32_t readFrames = fileChannels <= 2 ? 4 * kPieceFrames : std::max(256u, 32768u / fileChannels);
     const double ratio = t.mSampleRate / double(info.samplerate);
+    const bool floatTarget = audioDescriptionIsFloat(t);
+    // Rate conversion runs on as few channels as the target takes from the
+    // file (a mono file feeding both sides is converted once), in 16-bit when
+    // the target is 16-bit, so samples go from libsndfile to the converter
+    // and from it to the target without a float pass of our own.
+    const uint32_t convertedChannels = std::min(fileChannels, channels);
+    std::unique_ptr<soxr, SoxrDeleter> converter;
     if (resample) {
-        if (!src_is_valid_ratio(ratio)) {  // beyond 1:256 either way
+        if (ratio < 1.0 / 256.0 || ratio > 256.0) {
             freeBufferList(list);
-            QUILLO_CHECK_RESULT(kFormatNotSupported, "src_new");
+            QUILLO_CHECK_RESULT(kFormatNotSupported, "soxr_create");
             error_ = osStatusError(kFormatNotSupported, withStatus("Couldn't convert the audio file", kFormatNotSupported));
             return;
         }
         // Keep each converted piece to about 64k frames.
         readFrames = std::clamp(uint32_t(65536.0 / ratio), 1u, readFrames);
-    }
-    if (int16Path) {
-        shorts.resize(size_t(readFrames) * fileChannels);
-        mapped.clear();
-    } else {
-        floats.resize(size_t(readFrames) * fileChannels);
-        mapped.resize(size_t(readFrames) * channels);
-        if (resample) {
-            int srcError = 0;
-            src = src_new(SRC_SINC_FASTEST, int(channels), &srcError);
-            if (!src) {
-                freeBufferList(list);
-                QUILLO_CHECK_RESULT(srcError, "src_new");
-                error_ = osStatusError(srcError, withStatus("Couldn't convert the audio file", srcError));
-                return;
-            }
-            srcData.src_ratio = ratio;
-            resampled.resize(size_t(std::ceil(readFrames * srcData.src_ratio) + 64) * channels);
+        const soxr_datatype_t type = floatTarget ? SOXR_FLOAT32_I : SOXR_INT16_I;
+        soxr_io_spec_t io = soxr_io_spec(type, type);
+        io.flags |= SOXR_NO_DITHER;  // the file's own samples, rounded; no added noise
+        const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+        soxr_error_t soxrError = nullptr;
+        converter.reset(soxr_create(double(info.samplerate), t.mSampleRate, convertedChannels, &soxrError, &io,
+                                    &quality, nullptr));
+        if (!converter || soxrError) {
+            freeBufferList(list);
+            QUILLO_CHECK_RESULT(kFormatNotSupported, "soxr_create");
+            error_ = osStatusError(kFormatNotSupported, withStatus("Couldn't convert the audio file", kFormatNotSupported));
+            return;
         }
     }
-    std::vector<int16_t> mappedShorts(int16Path && fileChannels != channels ? size_t(readFrames) * channels : 0);
+    const size_t convertedCapacity = resample ? size_t(std::ceil(readFrames * ratio)) + 256 : 0;
+    std::vector<int16_t> shorts, pickedShorts, convertedShorts, spreadShorts;
+    std::vector<float> floats, picked, converted, spread;
+    if (floatTarget) {
+        floats.resize(size_t(readFrames) * fileChannels);
+        picked.resize(size_t(readFrames) * channels);
+        converted.resize(convertedCapacity * convertedChannels);
+        spread.resize(resample && convertedChannels != channels ? convertedCapacity * channels : 0);
+    } else {
+        shorts.resize(size_t(readFrames) * fileChannels);
+        pickedShorts.resize(fileChannels != channels ? size_t(readFrames) * channels : 0);
+        convertedShorts.resize(convertedCapacity * convertedChannels);
+        spreadShorts.resize(resample && convertedChannels != channels ? convertedCapacity * channels : 0);
+    }
+
+    // Interleaved `n` frames of `from` channels -> `to` channels by the map.
+    auto mapChannels = [&](const auto* in, uint32_t from, uint32_t to, auto* out, size_t n) {
+        for (size_t k = 0; k < n; ++k)
+            for (uint32_t c = 0; c < to; ++c) out[k * to + c] = in[k * from + channelMap[c]];
+    };
+    // Converts `n` frames (nullptr at the end: drains the converter) and emits the result.
+    auto convert = [&](const auto* in, size_t n, auto& out, auto& spreadOut) -> bool {
+        using T = std::remove_const_t<std::remove_pointer_t<decltype(in)>>;
+        for (bool flushing = in == nullptr;;) {
+            size_t used = 0, made = 0;
+            if (soxr_error_t e = soxr_process(converter.get(), in, n, &used, out.data(), convertedCapacity, &made)) {
+                QUILLO_CHECK_RESULT(kFormatNotSupported, e);
+                readError = kFormatNotSupported;
+                return false;
+            }
+            if (made > 0) {
+                const T* result = out.data();
+                if (convertedChannels != channels) {
+                    mapChannels(result, convertedChannels, channels, spreadOut.data(), made);
+                    result = spreadOut.data();
+                }
+                emit(result, uint32_t(made));
+            }
+            if (in) in += used * convertedChannels;
+            n -= used;
+            if (isCancelled() || written >= length) return true;
+            if (flushing ? made == 0 : n == 0) return true;
+        }
+    };
 
     int64_t fileFramesLeft = info.frames;
-    bool endOfInput = false;
-    while (!isCancelled() && written < length && !endOfInput) {
+    while (!isCancelled() && written < length) {
         const sf_count_t want = sf_count_t(std::min<int64_t>(readFrames, fileFramesLeft));
         sf_count_t got = 0;
-        if (int16Path) {
-            got = want > 0 ? sf_readf_short(file.get(), shorts.data(), want) : 0;
-        } else {
-            got = want > 0 ? sf_readf_float(file.get(), floats.data(), want) : 0;
-        }
+        if (floatTarget) got = want > 0 ? sf_readf_float(file.get(), floats.data(), want) : 0;
+        else got = want > 0 ? sf_readf_short(file.get(), shorts.data(), want) : 0;
         if (got < 0 || (got < want && sf_error(file.get()) != SF_ERR_NO_ERROR)) {
             readError = sf_error(file.get()) ? sf_error(file.get()) : kEndOfFile;
             break;
         }
         fileFramesLeft -= got;
         const bool last = got == 0 || fileFramesLeft <= 0;
-        if (int16Path) {
-            if (got == 0) break;
+        const size_t n = size_t(got);
+        bool ok = true;
+        if (floatTarget) {
+            const float* in = floats.data();
+            if (resample) {
+                if (fileChannels != convertedChannels) {
+                    mapChannels(in, fileChannels, convertedChannels, picked.data(), n);
+                    in = picked.data();
+                }
+                if (n > 0) ok = convert(in, n, converted, spread);
+                if (ok && last) ok = convert(static_cast<const float*>(nullptr), 0, converted, spread);
+            } else {
+                mapChannels(in, fileChannels, channels, picked.data(), n);
+                emit(static_cast<const float*>(picked.data()), uint32_t(n));
+            }
+        } else {
             const int16_t* in = shorts.data();
-            if (fileChannels != channels) {
-                int16_t* out = mappedShorts.data();
-                for (sf_count_t k = 0; k < got; ++k)
-                    for (uint32_t c = 0; c < channels; ++c) out[k * channels + c] = in[k * fileChannels + channelMap[c]];
-                in = out;
+            if (resample) {
+                if (fileChannels != convertedChannels) {
+                    mapChannels(in, fileChannels, convertedChannels, pickedShorts.data(), n);
+                    in = pickedShorts.data();
+                }
+                if (n > 0) ok = convert(in, n, convertedShorts, spreadShorts);
+                if (ok && last) ok = convert(static_cast<const int16_t*>(nullptr), 0, convertedShorts, spreadShorts);
+            } else {
+                if (fileChannels != channels) {
+                    mapChannels(in, fileChannels, channels, pickedShorts.data(), n);
+                    in = pickedShorts.data();
+                }
+                emit(in, uint32_t(n));
             }
-            emit(in, uint32_t(got));
-            if (last) break;
-            continue;
         }
-        for (sf_count_t k = 0; k < got; ++k)
-            for (uint32_t c = 0; c < channels; ++c)
-                mapped[size_t(k) * channels + c] = floats[size_t(k) * fileChannels + channelMap[c]];
-        if (!resample) {
-            emit(static_cast<const float*>(mapped.data()), uint32_t(got));
-            if (last) break;
-            continue;
-        }
-        // Resample this piece (and, at the end, drain the converter).
-        srcData.data_in = mapped.data();
-        srcData.input_frames = long(got);
-        srcData.end_of_input = last ? 1 : 0;
-        for (;;) {
-            srcData.data_out = resampled.data();
-            srcData.output_frames = long(resampled.size() / channels);
-            const int err = src_process(src, &srcData);
-            if (err) {
-                readError = err;
-                break;
-            }
-            if (srcData.output_frames_gen > 0)
-                emit(static_cast<const float*>(resampled.data()), uint32_t(srcData.output_frames_gen));
-            srcData.data_in += size_t(srcData.input_frames_used) * channels;
-            srcData.input_frames -= srcData.input_frames_used;
-            if (srcData.input_frames == 0 && (!last || srcData.output_frames_gen == 0)) break;
-            if (written >= length) break;
-        }
-        if (readError) break;
-        if (last) endOfInput = true;
+        if (!ok || last) break;
     }
-    if (src) src_delete(src);
+    converter.reset();
 
     if (readError) {
         QUILLO_CHECK_RESULT(readError, "sf_readf");

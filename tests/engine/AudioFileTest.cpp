@@ -126,6 +126,55 @@ TEST_F(AudioFileTest, HalfRateFileLoadsAtTwiceItsLength) {
     freeBufferList(op48.bufferList());
 }
 
+TEST_F(AudioFileTest, RateConversionIsCleanAndStreamsAndCancelsLikeAWholeLoad) {
+    // 2 s of a 1 kHz sine in a mono 48 kHz file: at 44.1 kHz every frame is
+    // where the sine says, within a couple of steps of 16 bits, on both sides.
+    const size_t fileFrames = 96000;
+    std::vector<int16_t> mono(fileFrames);
+    const double w = 2.0 * M_PI * 1000.0;
+    for (size_t i = 0; i < fileFrames; ++i) mono[i] = int16_t(std::lrint(20000.0 * std::sin(w * double(i) / 48000.0)));
+    const std::string file = writeWithSndfile("sine48k.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 1, mono);
+    AudioFileLoaderOperation whole(file, kEngine);
+    whole.start();
+    ASSERT_FALSE(whole.error().has_value());
+    ASSERT_EQ(whole.lengthInFrames(), 88200u);
+    const auto* l = static_cast<const int16_t*>(whole.bufferList()->mBuffers[0].mData);
+    const auto* r = static_cast<const int16_t*>(whole.bufferList()->mBuffers[1].mData);
+    double worst = 0;
+    for (size_t k = 2000; k < 86000; ++k) {  // away from the edges, where the filter starts and stops
+        worst = std::max(worst, std::abs(double(l[k]) - 20000.0 * std::sin(w * double(k) / 44100.0)));
+        ASSERT_EQ(l[k], r[k]) << k;
+    }
+    EXPECT_LT(worst, 3.0);
+
+    // Streamed: the same frames, in 4096-frame pieces.
+    std::vector<int16_t> streamed;
+    std::vector<uint32_t> pieces;
+    AudioFileLoaderOperation stream(file, kEngine);
+    stream.audioReceiverBlock = [&](const AudioBufferList* audio, uint32_t frames) {
+        pieces.push_back(frames);
+        const auto* p = static_cast<const int16_t*>(audio->mBuffers[0].mData);
+        streamed.insert(streamed.end(), p, p + frames);
+    };
+    stream.start();
+    EXPECT_EQ(stream.bufferList(), nullptr);
+    ASSERT_EQ(streamed.size(), 88200u);
+    EXPECT_TRUE(std::equal(streamed.begin(), streamed.end(), l));
+    EXPECT_EQ(pieces.front(), 4096u);
+    EXPECT_EQ(pieces.size(), size_t((88200 + 4095) / 4096));
+    freeBufferList(whole.bufferList());
+
+    // Cancelled in the middle of converting: nothing published.
+    AudioFileLoaderOperation cancelled(file, kEngine);
+    int calls = 0;
+    cancelled.audioReceiverBlock = [&](const AudioBufferList*, uint32_t) {
+        if (++calls == 3) cancelled.cancel();
+    };
+    cancelled.start();
+    EXPECT_EQ(calls, 3);
+    EXPECT_FALSE(cancelled.error().has_value());
+}
+
 TEST_F(AudioFileTest, BadFilesGiveTheirErrorAndNoBuffers) {
     LogCapture log;
     expectLoadError(path("missing.wav"), "Couldn't open the audio file");
