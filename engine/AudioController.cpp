@@ -472,7 +472,7 @@ AudioChannelGroup* AudioController::makeGroup(AudioChannelGroup* parent) {
 
 void AudioController::releaseChannelGroup(AudioChannelGroup* group) {
     std::lock_guard<std::recursive_mutex> lock(treeMutex_);
-    if (!group || group == top_ || group->parent != top_ || !isLiveGroup(group)) return;
+    if (!group || group == top_ || !isLiveGroup(group) || group->parent != top_) return;
     if (std::find(idleGroups_.begin(), idleGroups_.end(), group) != idleGroups_.end()) return;
     // Whatever is still inside leaves now; the group itself stays, silent.
     std::vector<std::shared_ptr<AudioChannel>> inside;
@@ -500,7 +500,7 @@ void AudioController::detachGroupTree(AudioChannelGroup* group, std::vector<Audi
 
 void AudioController::removeChannelGroup(AudioChannelGroup* group) {
     std::lock_guard<std::recursive_mutex> lock(treeMutex_);
-    if (!group || group == top_ || !group->entry || !isLiveGroup(group)) return;
+    if (!group || group == top_ || !isLiveGroup(group) || !group->entry) return;  // gone already: nothing to do
     AudioControllerEntry* entry = group->entry;
     auto& list = group->parent->entries;
     list.erase(std::remove(list.begin(), list.end(), entry), list.end());
