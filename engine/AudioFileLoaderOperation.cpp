@@ -395,7 +395,7 @@ void AudioFileLoaderOperation::main() {
         spread.resize(resample && convertedChannels != channels ? convertedCapacity * channels : 0);
     } else {
         shorts.resize(size_t(readFrames) * fileChannels);
-        pickedShorts.resize(fileChannels != channels ? size_t(readFrames) * channels : 0);
+        pickedShorts.resize(size_t(readFrames) * channels);
         convertedShorts.resize(convertedCapacity * convertedChannels);
         spreadShorts.resize(resample && convertedChannels != channels ? convertedCapacity * channels : 0);
     }
@@ -443,37 +443,26 @@ void AudioFileLoaderOperation::main() {
         fileFramesLeft -= got;
         const bool last = got == 0 || fileFramesLeft <= 0;
         const size_t n = size_t(got);
-        bool ok = true;
-        if (floatTarget) {
-            const float* in = floats.data();
-            if (resample) {
-                if (fileChannels != convertedChannels) {
-                    mapChannels(in, fileChannels, convertedChannels, picked.data(), n);
-                    in = picked.data();
-                }
-                if (n > 0) ok = convert(in, n, converted, spread);
-                if (ok && last) ok = convert(static_cast<const float*>(nullptr), 0, converted, spread);
-            } else {
-                mapChannels(in, fileChannels, channels, picked.data(), n);
-                emit(static_cast<const float*>(picked.data()), uint32_t(n));
+        // One piece, in the sample type of the target: pick the channels the
+        // target takes, convert the rate if needed, hand it on.
+        auto take = [&](const auto* in, auto& pickedBuf, auto& convertedBuf, auto& spreadBuf) -> bool {
+            using T = std::remove_const_t<std::remove_pointer_t<decltype(in)>>;
+            const uint32_t wanted = resample ? convertedChannels : channels;
+            if (fileChannels != wanted) {
+                mapChannels(in, fileChannels, wanted, pickedBuf.data(), n);
+                in = pickedBuf.data();
             }
-        } else {
-            const int16_t* in = shorts.data();
-            if (resample) {
-                if (fileChannels != convertedChannels) {
-                    mapChannels(in, fileChannels, convertedChannels, pickedShorts.data(), n);
-                    in = pickedShorts.data();
-                }
-                if (n > 0) ok = convert(in, n, convertedShorts, spreadShorts);
-                if (ok && last) ok = convert(static_cast<const int16_t*>(nullptr), 0, convertedShorts, spreadShorts);
-            } else {
-                if (fileChannels != channels) {
-                    mapChannels(in, fileChannels, channels, pickedShorts.data(), n);
-                    in = pickedShorts.data();
-                }
+            if (!resample) {
                 emit(in, uint32_t(n));
+                return true;
             }
-        }
+            bool done = n == 0 || convert(in, n, convertedBuf, spreadBuf);
+            if (done && last) done = convert(static_cast<const T*>(nullptr), 0, convertedBuf, spreadBuf);
+            return done;
+        };
+        const bool ok = floatTarget ? take(static_cast<const float*>(floats.data()), picked, converted, spread)
+                                    : take(static_cast<const int16_t*>(shorts.data()), pickedShorts, convertedShorts,
+                                           spreadShorts);
         if (!ok || last) break;
     }
     converter.reset();
