@@ -7,6 +7,7 @@
 #include <soxr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -124,11 +125,16 @@ double soxrSeconds(const std::string& path) {
     const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
     soxr_t s = soxr_create(info.samplerate, 44100.0, unsigned(info.channels), nullptr, &io, &quality, nullptr);
     const size_t outFrames = out.size() / size_t(info.channels);
+    const size_t ch = size_t(info.channels);
     size_t used = 0, made = 0, total = 0;
-    soxr_process(s, in.data(), size_t(info.frames), &used, out.data(), outFrames, &made);
-    total += made;
+    // In pieces of 64k frames, as a streaming converter works (and the loader does).
+    for (size_t at = 0; at < size_t(info.frames); at += used) {
+        const size_t piece = std::min<size_t>(65536, size_t(info.frames) - at);
+        soxr_process(s, in.data() + at * ch, piece, &used, out.data() + total * ch, outFrames - total, &made);
+        total += made;
+    }
     do {
-        soxr_process(s, nullptr, 0, nullptr, out.data() + total * size_t(info.channels), outFrames - total, &made);
+        soxr_process(s, nullptr, 0, nullptr, out.data() + total * ch, outFrames - total, &made);
         total += made;
     } while (made > 0 && total < outFrames);
     soxr_delete(s);
