@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <thread>
 
 #include "engine/AudioController.h"
@@ -87,40 +88,45 @@ void tearDownAndAdd(AudioController*, void* userInfo, int32_t) {
 }
 
 TEST(ControllerReentry, HandlerRemovesAndAddsFromInsideAnotherExchange) {
-    for (AudioDriverKind driver : {AudioDriverKind::Offline, AudioDriverKind::Null}) {
-        SCOPED_TRACE(driver == AudioDriverKind::Offline ? "offline" : "null device");
-        RunLoopMainThread main;
-        AudioControllerOptions options = offlineOptions(&main);
-        options.driver = driver;
-        AudioController c(kEngine, false, options);
-        Scene s{&c, c.createChannelGroup(), constantChannel(1, 1), constantChannel(2, 2), constantChannel(100, 100),
-                std::make_shared<NullReceiver>()};
-        c.addChannels({s.a}, s.group);
-        c.addChannels({s.b});
-        c.addOutputReceiver(s.tap);
-        auto reporter = std::make_shared<ReportingChannel>(tearDownAndAdd, &s);
-        c.addChannels({reporter});
-        ASSERT_TRUE(c.start(nullptr));
-        if (driver == AudioDriverKind::Offline) c.renderOffline(256);
-        else ASSERT_TRUE(main.runUntil([&] { return reporter->renders.load() > 0; }, std::chrono::seconds(10)));
+    // The report waits until one of the three removals below waits for the
+    // render thread; then the handler removes, from inside it, what all
+    // three remove, and adds a channel.
+    for (int first = 0; first < 3; ++first) {
+        for (AudioDriverKind driver : {AudioDriverKind::Offline, AudioDriverKind::Null}) {
+            SCOPED_TRACE(std::string(driver == AudioDriverKind::Offline ? "offline" : "null device") + ", first call " +
+                         std::to_string(first));
+            RunLoopMainThread main;
+            AudioControllerOptions options = offlineOptions(&main);
+            options.driver = driver;
+            AudioController c(kEngine, false, options);
+            Scene s{&c, c.createChannelGroup(), constantChannel(1, 1), constantChannel(2, 2),
+                    constantChannel(100, 100), std::make_shared<NullReceiver>()};
+            c.addChannels({s.a}, s.group);
+            c.addChannels({s.b});
+            c.addOutputReceiver(s.tap);
+            auto reporter = std::make_shared<ReportingChannel>(tearDownAndAdd, &s);
+            c.addChannels({reporter});
+            ASSERT_TRUE(c.start(nullptr));
+            if (driver == AudioDriverKind::Offline) c.renderOffline(256);
+            else ASSERT_TRUE(main.runUntil([&] { return reporter->renders.load() > 0; }, std::chrono::seconds(10)));
 
-        // Each of these waits for the render thread, and the report runs
-        // inside the wait: the handler removes what these remove too.
-        c.removeChannels({s.a, s.b});
-        c.removeOutputReceiver(s.tap);
-        c.removeChannelGroup(s.group);
-        EXPECT_EQ(s.handled, 1);
-        const auto left = c.channels();
-        ASSERT_EQ(left.size(), 2u);
-        EXPECT_EQ(left[0], reporter);
-        EXPECT_EQ(left[1], s.added);
-        EXPECT_TRUE(c.outputReceivers().empty());
-        EXPECT_TRUE(c.topLevelChannelGroups().empty());
-        const int aRenders = s.a->renders.load();
-        if (driver == AudioDriverKind::Offline) c.renderOffline(256);
-        EXPECT_TRUE(main.runUntil([&] { return s.added->renders.load() > 0; }, std::chrono::seconds(10)));
-        EXPECT_EQ(s.a->renders.load(), aRenders);
-        c.stop();
+            const std::function<void()> removals[3] = {[&] { c.removeChannels({s.a, s.b}); },
+                                                       [&] { c.removeOutputReceiver(s.tap); },
+                                                       [&] { c.removeChannelGroup(s.group); }};
+            for (int k = 0; k < 3; ++k) removals[(first + k) % 3]();
+            EXPECT_EQ(s.handled, 1);
+            const auto left = c.channels();
+            ASSERT_EQ(left.size(), 2u);
+            EXPECT_EQ(left[0], reporter);
+            EXPECT_EQ(left[1], s.added);
+            EXPECT_TRUE(c.outputReceivers().empty());
+            EXPECT_TRUE(c.topLevelChannelGroups().empty());
+            const int aRenders = s.a->renders.load();
+            if (driver == AudioDriverKind::Offline) c.renderOffline(256);
+            EXPECT_TRUE(main.runUntil([&] { return s.added->renders.load() > 0; }, std::chrono::seconds(10)));
+            EXPECT_EQ(s.a->renders.load(), aRenders);
+            c.stop();
+        }
     }
 }
 
