@@ -83,7 +83,6 @@ ApplicationWindow {
         id: loopsList
         LoopsView {
             objectName: "loopsList"
-            onMenuRequested: window.shell.anchorTopViewToRight()
         }
     }
 
@@ -104,6 +103,12 @@ ApplicationWindow {
         anchors.bottomMargin: 32
         color: Colorer.darkGreyBlueColor
         textColor: Colorer.backgColor
+    }
+
+    // Any screen may ask for the side menu (its menu button, a gesture).
+    Connections {
+        target: window.topScreen
+        function onMenuRequested() { window.shell.anchorTopViewToRight(); }
     }
 
     Connections {

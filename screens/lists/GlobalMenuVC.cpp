@@ -12,15 +12,13 @@ constexpr int kRows = 3;
 
 GlobalMenuVC::GlobalMenuVC(QObject* parent) : QObject(parent) {}
 
-QStringList GlobalMenuVC::texts() const {
-    QStringList out;
-    for (const char* t : kTexts) out << QString::fromStdString(localized(t));
-    return out;
-}
-
-QStringList GlobalMenuVC::icons() const {
-    QStringList out;
-    for (const char* i : kIcons) out << QString::fromLatin1(i);
+QVariantList GlobalMenuVC::rows() const {
+    QVariantList out;
+    for (int row = 0; row < kRows; ++row) {
+        out << QVariantMap{{QStringLiteral("text"), QString::fromStdString(localized(kTexts[row]))},
+                           {QStringLiteral("icon"), QString::fromLatin1(kIcons[row])},
+                           {QStringLiteral("available"), isAvailable(row)}};
+    }
     return out;
 }
 

@@ -5,14 +5,14 @@
 // only screen.
 #include <QObject>
 #include <QString>
-#include <QStringList>
+#include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
 class GlobalMenuVC : public QObject {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QStringList texts READ texts CONSTANT)
-    Q_PROPERTY(QStringList icons READ icons CONSTANT)
+    // One entry per row: "text", "icon" (the image's name), "available".
+    Q_PROPERTY(QVariantList rows READ rows CONSTANT)
     // The list kind on top ("TrackFolder", "LoopFolder", "SoundFolder"), or anything else.
     Q_PROPERTY(QString topScreenKind READ topScreenKind WRITE setTopScreenKind NOTIFY selectedRowChanged)
     // 0 tracks, 1 loops, 2 sounds; -1 when another screen is on top.
@@ -21,8 +21,7 @@ class GlobalMenuVC : public QObject {
 public:
     explicit GlobalMenuVC(QObject* parent = nullptr);
 
-    QStringList texts() const;
-    QStringList icons() const;
+    QVariantList rows() const;
     QString topScreenKind() const { return topScreenKind_; }
     void setTopScreenKind(const QString& kind);
     int selectedRow() const;

@@ -11,6 +11,8 @@ Rectangle {
     // Emitted with the list kind the user chose.
     signal showList(string typeOfItems)
 
+    function choose(row) { controller.didSelectRow(row); }
+
     color: Colorer.darkGreyBlueColor
 
     GlobalMenuVC {
@@ -38,52 +40,51 @@ Rectangle {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         interactive: false
-        model: controller.texts
+        model: controller.rows
+        currentIndex: controller.selectedRow
+        highlightFollowsCurrentItem: false
 
-        delegate: ItemDelegate {
+        delegate: AbstractButton {
             id: row
             required property int index
-            required property string modelData
+            required property var modelData  // text, icon, available
 
             width: ListView.view.width
             height: 58
-            enabled: controller.isAvailable(index)
+            enabled: modelData.available
             opacity: enabled ? 1.0 : 0.4
-            Accessible.name: modelData
-            onClicked: controller.didSelectRow(index)
+            Accessible.name: modelData.text
+            onClicked: (ListView.view.parent as GlobalMenuView).choose(index)
 
             background: Rectangle {
-                readonly property bool selected: row.index === controller.selectedRow
-                color: row.pressed || selected ? Colorer.lighterColorForColor(Colorer.darkGreyBlueColor)
-                                               : "transparent"
+                color: row.pressed || row.ListView.isCurrentItem
+                       ? Colorer.lighterColorForColor(Colorer.darkGreyBlueColor) : "transparent"
                 Rectangle {
-                    visible: parent.selected
+                    visible: row.ListView.isCurrentItem
                     width: 4
                     height: parent.height
                     color: Colorer.lightBlueColor
                 }
             }
 
-            contentItem: Item {
-                Glyph {
-                    id: icon
-                    anchors.left: parent.left
-                    anchors.leftMargin: 24
-                    anchors.verticalCenter: parent.verticalCenter
-                    width: 24
-                    height: 24
-                    name: controller.icons[row.index]
-                    color: Colorer.backgColor
-                }
-                Text {
-                    anchors.left: icon.right
-                    anchors.leftMargin: 18
-                    anchors.verticalCenter: parent.verticalCenter
-                    text: row.modelData
-                    font.pixelSize: 20
-                    font.bold: true
-                    color: Colorer.backgColor
-                }
+            Glyph {
+                id: glyph
+                anchors.left: parent.left
+                anchors.leftMargin: 24
+                anchors.verticalCenter: parent.verticalCenter
+                width: 24
+                height: 24
+                name: row.modelData.icon
+                color: Colorer.backgColor
+            }
+            Text {
+                anchors.left: glyph.right
+                anchors.leftMargin: 18
+                anchors.verticalCenter: parent.verticalCenter
+                text: row.modelData.text
+                font.pixelSize: 20
+                font.bold: true
+                color: Colorer.backgColor
             }
         }
     }

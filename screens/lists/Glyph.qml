@@ -1,125 +1,46 @@
 import QtQuick
 import QtQuick.Shapes
 
-// A named button image drawn as simple strokes in one colour. It stands in
-// for the icon set (resources/icons, the same names) until the window loads
-// those images; every place that shows an icon goes through here.
+// A named button image, drawn in one colour from a path on a 24 x 24 grid.
+// It stands in for the icon set (resources/icons, the same names) until the
+// window loads those images; every place that shows an icon goes through here.
 Item {
     id: glyph
 
     property string name
     property color color: "black"
-    property real lineWidth: Math.max(1.5, width / 12)
+
+    // Rings are two circles filled with the odd-even rule.
+    readonly property string ring: "M12 1.5a10.5 10.5 0 1 1 0 21a10.5 10.5 0 1 1 0-21z"
+                                   + "M12 3.4a8.6 8.6 0 1 0 0 17.2a8.6 8.6 0 1 0 0-17.2z"
+    readonly property var paths: ({
+        "formenu": "M3 5h18v2.2H3z M3 10.9h18v2.2H3z M3 16.8h18v2.2H3z",
+        "disclosure": "M7 3.5l11 8.5-11 8.5z",
+        "backarrow": "M15.5 3.5l1.8 1.8L10.6 12l6.7 6.7-1.8 1.8L7 12z",
+        "playButton256": ring + "M9.7 7.4L17 12l-7.3 4.6z",
+        "stopButton256": ring + "M8.6 8.6h6.8v6.8H8.6z",
+        "tracksGlobal": "M2 4h11v3.5H2z M8 10.25h14v3.5H8z M4 16.5h10v3.5H4z",
+        "loopsGlobal": "M1.5 6.5h4.2v4.2H1.5z M7.2 6.5h4.2v4.2H7.2z M12.9 6.5h4.2v4.2h-4.2z M18.6 6.5h4.2v4.2h-4.2z"
+                       + "M1.5 13.3h4.2v4.2H1.5z M7.2 13.3h4.2v4.2H7.2z M12.9 13.3h4.2v4.2h-4.2z M18.6 13.3h4.2v4.2h-4.2z",
+        "soundsGlobal": "M2.5 9h1.8v6H2.5z M6 5.5h1.8v13H6z M9.5 2.5h1.8v19H9.5z M13 7h1.8v10H13z"
+                        + "M16.5 4.5h1.8v15h-1.8z M20 8.5h1.8v7H20z"
+    })
 
     implicitWidth: 22
     implicitHeight: 22
 
-    // "formenu": three bars.
-    Repeater {
-        model: glyph.name === "formenu" ? 3 : 0
-        Rectangle {
-            required property int index
-            x: 0
-            width: glyph.width
-            height: glyph.lineWidth
-            radius: height / 2
-            y: glyph.height * (0.2 + 0.3 * index) - height / 2
-            color: glyph.color
-        }
-    }
-
-    // "playButton256" / "stopButton256": a ring with a triangle or a square.
-    Rectangle {
-        visible: glyph.name === "playButton256" || glyph.name === "stopButton256"
-        anchors.fill: parent
-        radius: width / 2
-        color: "transparent"
-        border.width: glyph.lineWidth
-        border.color: glyph.color
-    }
     Shape {
-        visible: glyph.name === "playButton256"
-        anchors.fill: parent
+        width: 24
+        height: 24
+        scale: Math.min(glyph.width, glyph.height) / 24
+        transformOrigin: Item.TopLeft
+        antialiasing: true
+
         ShapePath {
             strokeWidth: -1
             fillColor: glyph.color
-            startX: glyph.width * 0.40; startY: glyph.height * 0.30
-            PathLine { x: glyph.width * 0.72; y: glyph.height * 0.50 }
-            PathLine { x: glyph.width * 0.40; y: glyph.height * 0.70 }
-            PathLine { x: glyph.width * 0.40; y: glyph.height * 0.30 }
-        }
-    }
-    Rectangle {
-        visible: glyph.name === "stopButton256"
-        anchors.centerIn: parent
-        width: glyph.width * 0.34
-        height: width
-        radius: width * 0.15
-        color: glyph.color
-    }
-
-    // "tracksGlobal": lanes of bars, "loopsGlobal": a two-by-four step grid,
-    // "soundsGlobal": a waveform.
-    Grid {
-        visible: glyph.name === "loopsGlobal"
-        anchors.centerIn: parent
-        columns: 4
-        spacing: glyph.width * 0.08
-        Repeater {
-            model: 8
-            Rectangle {
-                required property int index
-                width: glyph.width * 0.19
-                height: width
-                radius: width * 0.25
-                color: glyph.color
-                opacity: [1, 0.45, 1, 0.45, 0.45, 1, 0.45, 1][index]
-            }
-        }
-    }
-    Repeater {
-        model: glyph.name === "tracksGlobal" ? [[0, 0.55], [0.3, 0.7], [0.1, 0.45]] : []
-        Rectangle {
-            required property int index
-            required property var modelData
-            x: glyph.width * modelData[0]
-            y: glyph.height * (0.18 + 0.3 * index)
-            width: glyph.width * modelData[1]
-            height: glyph.height * 0.2
-            radius: height / 2
-            color: glyph.color
-        }
-    }
-    Row {
-        visible: glyph.name === "soundsGlobal"
-        anchors.centerIn: parent
-        spacing: glyph.width * 0.07
-        Repeater {
-            model: [0.35, 0.7, 1.0, 0.55, 0.8, 0.4]
-            Rectangle {
-                required property var modelData
-                anchors.verticalCenter: parent.verticalCenter
-                width: glyph.width * 0.09
-                height: glyph.height * modelData
-                radius: width / 2
-                color: glyph.color
-            }
-        }
-    }
-
-    // "backarrow": a chevron.
-    Shape {
-        visible: glyph.name === "backarrow"
-        anchors.fill: parent
-        ShapePath {
-            strokeWidth: glyph.lineWidth
-            strokeColor: glyph.color
-            fillColor: "transparent"
-            capStyle: ShapePath.RoundCap
-            joinStyle: ShapePath.RoundJoin
-            startX: glyph.width * 0.62; startY: glyph.height * 0.15
-            PathLine { x: glyph.width * 0.28; y: glyph.height * 0.5 }
-            PathLine { x: glyph.width * 0.62; y: glyph.height * 0.85 }
+            fillRule: ShapePath.OddEvenFill
+            PathSvg { path: glyph.paths[glyph.name] ?? "" }
         }
     }
 }

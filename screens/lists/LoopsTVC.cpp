@@ -47,6 +47,8 @@ void LoopsTVC::setItemsAndReloadTable() {
                 r.tileColors.push_back(sound ? ColorerQml::toQColor(Colorer::colorForNumber(sound->color()))
                                              : ColorerQml::toQColor(Colorer::grayColor()));
             }
+            // Every loop shows all its slots; the empty ones are transparent.
+            while (r.tileColors.size() < Loopplayer::kSlots) r.tileColors.push_back(QColor(Qt::transparent));
             rows.push_back(r);
         }
     }

@@ -18,7 +18,7 @@ struct ListRow {
     bool opened = false;             // folders only
     int itemCount = 0;               // folders only
     bool playing = false;            // items only
-    QList<QColor> tileColors;        // items only: one per instrument, in slot order
+    QList<QColor> tileColors;        // items only: one per slot, transparent where the slot is empty
 };
 
 class ListRows : public QAbstractListModel {
