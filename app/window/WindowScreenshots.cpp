@@ -1,5 +1,7 @@
 #include "app/window/WindowScreenshots.h"
 
+#include <QQuickWindow>
+
 #include "app/window/QuilloWindow.h"
 #include "app/window/ScreenshotRunner.h"
 
@@ -11,6 +13,11 @@ void addWindowScreenshots(ScreenshotRunner& runner, QuilloWindow& window) {
                 }});
     runner.add({QStringLiteral("window-side-menu"), [w] {
                     w->rootScreens()->anchorTopViewToRight();
+                    return w->window();
+                }});
+    // A desktop-sized window: the menu keeps its width, the list takes the rest.
+    runner.add({QStringLiteral("window-wide-side-menu"), [w] {
+                    w->window()->resize(1280, 800);
                     return w->window();
                 }});
 }

@@ -16,6 +16,7 @@
 #include "library/media/Filer.h"
 #include "library/model/Model.h"
 #include "playback/Loopplayer.h"
+#include "screens/lists/GlobalMenuVC.h"
 #include "screens/lists/LoopsTVC.h"
 #include "tests/library/TestStore.h"
 
@@ -196,6 +197,31 @@ TEST_F(WindowTest, FolderRowsOpenAndCloseAndLoopsPlayInPlace) {
     QTest::mouseClick(window, Qt::LeftButton, {}, centerOf(rowItem(rowNamed("Built-in loops"))));
     EXPECT_TRUE(builtIn->opened());
     EXPECT_EQ(loops()->rows()->count(), rowsOpen);
+}
+
+TEST_F(WindowTest, SideMenuSwitchesListsOnlyFromAnotherScreenAndSilencesEverything) {
+    launch();
+    GlobalMenuVC menu;
+    QSignalSpy shown(&menu, &GlobalMenuVC::showList);
+
+    // On the loops list, choosing Loops again (or a list not built yet) changes nothing.
+    menu.setTopScreenKind("LoopFolder");
+    EXPECT_EQ(menu.selectedRow(), 1);
+    loops()->playItemPressed(rowNamed("Easy beat 95"));
+    ASSERT_EQ(quillo->app()->loopplayers().size(), 1u);
+    menu.didSelectRow(1);
+    menu.didSelectRow(0);
+    EXPECT_EQ(shown.count(), 0);
+    EXPECT_EQ(quillo->app()->loopplayers().size(), 1u);
+
+    // From any other screen, Loops stops all audio and asks for a new loops list.
+    menu.setTopScreenKind("OneLoopVC");
+    EXPECT_EQ(menu.selectedRow(), -1);
+    menu.didSelectRow(1);
+    ASSERT_EQ(shown.count(), 1);
+    EXPECT_EQ(shown.first().first().toString(), "LoopFolder");
+    EXPECT_TRUE(quillo->app()->loopplayers().empty());
+    EXPECT_TRUE(quillo->app()->audioController()->channels().empty());
 }
 
 int main(int argc, char** argv) {
