@@ -124,6 +124,13 @@ TEST_F(WindowTest, StartsOnTheLoopsListAndImportsTheFilesGivenToIt) {
     EXPECT_FALSE(std::filesystem::exists(handed));
     EXPECT_TRUE(std::filesystem::exists(notSound));
     EXPECT_EQ(CoreDater::shIns().findSoundWithName("notes"), nullptr);
+
+    // A drop takes the same way in; what is not a local file is passed over.
+    writeBeat(handed);
+    EXPECT_EQ(quillo->rootScreens()->importDroppedUrls(
+                  {QUrl("https://example.org/Beat.wav"), QUrl::fromLocalFile(QString::fromStdString(handed))}),
+              1);
+    EXPECT_NE(CoreDater::shIns().findSoundWithName("Beat 2"), nullptr);
 }
 
 TEST_F(WindowTest, SideMenuOpensByButtonAndEdgeDragAndClosesByEscapeAndTap) {
