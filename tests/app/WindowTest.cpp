@@ -1,7 +1,5 @@
 // The quillo window, offscreen on a new library: its root screens, the side
 // menu, the loops list and files handed over on the command line.
-#include <sndfile.h>
-
 #include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -18,23 +16,13 @@
 #include "playback/Loopplayer.h"
 #include "screens/lists/GlobalMenuVC.h"
 #include "screens/lists/LoopsTVC.h"
+#include "tests/app/SoundFileWriter.h"
 #include "tests/library/TestStore.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 
 namespace {
-
-void writeBeat(const std::string& path) {
-    SF_INFO info{};
-    info.samplerate = 44100;
-    info.channels = 1;
-    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-    SNDFILE* f = sf_open(path.c_str(), SFM_WRITE, &info);
-    std::vector<short> data(4410, 2000);
-    sf_writef_short(f, data.data(), 4410);
-    sf_close(f);
-}
 
 // Searches the visual tree, where the views' objects live whatever their QObject parents.
 QQuickItem* findItem(QQuickItem* root, const QString& name) {
