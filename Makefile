@@ -1,5 +1,6 @@
 # Quillo developer entry points. Every target installs missing packages first.
-#   make run    build, open the default library (built-in content on first run) and play a loop
+#   make run    build, open the Quillo window on the default library (built-in content on first run)
+#   make screenshots  build, then save pictures of the screens to build/screenshots/
 #   make test   build and run every test: plain, Address+UB sanitizer, RealtimeSanitizer
 #   make bench  build optimised and run the benchmarks
 JOBS ?= $(shell nproc)
@@ -8,7 +9,7 @@ ASAN_BUILD := build-asan
 RTSAN_BUILD := build-rtsan
 CTEST := ctest --output-on-failure --timeout 900 -j $(JOBS)
 
-.PHONY: all bootstrap build build-asan build-rtsan run test bench clean
+.PHONY: all bootstrap build build-asan build-rtsan run screenshots test bench clean
 
 all: build
 
@@ -27,8 +28,24 @@ build-rtsan: bootstrap
 	@CC=clang-22 CXX=clang++-22 cmake -S . -B $(RTSAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILLO_RTSAN=ON -DQUILLO_BENCH=OFF >/dev/null
 	@cmake --build $(RTSAN_BUILD) -j $(JOBS)
 
+# Without a display there is no window: say so, and play a built-in loop instead.
 run: build
-	@./$(BUILD)/bin/quillo-cli play loop "Easy beat 95"
+	@if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then \
+		./$(BUILD)/bin/quillo; \
+	else \
+		echo "No display (neither DISPLAY nor WAYLAND_DISPLAY is set): playing \"Easy beat 95\" with quillo-cli instead of opening the window."; \
+		./$(BUILD)/bin/quillo-cli play loop "Easy beat 95"; \
+	fi
+
+# The screens offscreen at twice the pixel density, on a fresh library each time.
+screenshots: build
+	@rm -rf $(BUILD)/screenshots $(BUILD)/screenshots-library && mkdir -p $(BUILD)/screenshots-runtime
+	@chmod 700 $(BUILD)/screenshots-runtime
+	@QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=2 QUILLO_AUDIO=null \
+		XDG_RUNTIME_DIR=$(CURDIR)/$(BUILD)/screenshots-runtime \
+		XDG_CONFIG_HOME=$(CURDIR)/$(BUILD)/screenshots-runtime/config \
+		XDG_STATE_HOME=$(CURDIR)/$(BUILD)/screenshots-runtime/state \
+		./$(BUILD)/bin/quillo --library $(BUILD)/screenshots-library --screenshot $(BUILD)/screenshots
 
 # The sanitizer trees run first; the plain tree's CTest summary ends the output.
 test: build build-asan build-rtsan

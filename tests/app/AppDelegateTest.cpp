@@ -1,6 +1,4 @@
 // Launching the application on a library, and files handed over by other programs.
-#include <sndfile.h>
-
 #include <QSettings>
 #include <filesystem>
 #include <fstream>
@@ -9,22 +7,8 @@
 #include "library/CoreDater.h"
 #include "library/media/Filer.h"
 #include "library/model/Model.h"
+#include "tests/app/SoundFileWriter.h"
 #include "tests/library/TestStore.h"
-
-namespace {
-
-void writeBeat(const std::string& path) {
-    SF_INFO info{};
-    info.samplerate = 44100;
-    info.channels = 1;
-    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-    SNDFILE* f = sf_open(path.c_str(), SFM_WRITE, &info);
-    std::vector<short> data(1000, 1234);
-    sf_writef_short(f, data.data(), 1000);
-    sf_close(f);
-}
-
-}  // namespace
 
 class AppDelegateTest : public ::testing::Test {
 protected:
