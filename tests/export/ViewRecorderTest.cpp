@@ -14,6 +14,7 @@
 #include "export/movie/AudioToVideoAdder.h"
 #include "export/movie/MovieClock.h"
 #include "export/movie/ViewRecorder.h"
+#include "library/media/Filer.h"
 
 namespace {
 
@@ -145,6 +146,24 @@ Item {
 }
 )";
 
+// The grid in an offscreen window, as the export screen shows it.
+struct PulsingGrid {
+    QQuickWindow window;
+    QQmlEngine engine;
+    std::unique_ptr<QQuickItem> item;
+    PulsingGrid() {
+        window.resize(240, 320);
+        QQmlComponent component(&engine);
+        component.setData(kPulsingGrid, QUrl());
+        item.reset(qobject_cast<QQuickItem*>(component.create()));
+        EXPECT_TRUE(item) << component.errorString().toStdString();
+        if (!item) return;
+        item->setParentItem(window.contentItem());
+        item->setPosition(QPointF(24, 40));
+        window.show();
+    }
+};
+
 struct Joined final : AudioToVideoAdderDelegate {
     bool told = false;
     void audioAddedToVideo() override { told = true; }
@@ -154,21 +173,13 @@ struct Joined final : AudioToVideoAdderDelegate {
 
 TEST_F(ViewRecorderTest, FilmsALiveGridForFourSecondsAndJoinsItWithItsAudio) {
     QueueLog log;
-    QQuickWindow window;
-    window.resize(240, 320);
-    QQmlEngine engine;
-    QQmlComponent component(&engine);
-    component.setData(kPulsingGrid, QUrl());
-    std::unique_ptr<QQuickItem> grid(qobject_cast<QQuickItem*>(component.create()));
-    ASSERT_TRUE(grid) << component.errorString().toStdString();
-    grid->setParentItem(window.contentItem());
-    grid->setPosition(QPointF(24, 40));
-    window.show();
+    PulsingGrid grid;
+    ASSERT_TRUE(grid.item);
 
     Progress progress;
     ViewRecorder recorder(QSizeF(192, 192), 95.0f, &progress);
     bool done = false;
-    recorder.startRecordingView(grid.get(), [&](const QUrl&) { done = true; });
+    recorder.startRecordingView(grid.item.get(), [&](const QUrl&) { done = true; });
     EXPECT_TRUE(log.contains("writer.startDate"));
     processEventsUntil([] { return false; }, 4.0);
     recorder.stop();
@@ -205,4 +216,40 @@ TEST_F(ViewRecorderTest, FilmsALiveGridForFourSecondsAndJoinsItWithItsAudio) {
     EXPECT_NEAR(muxed.stream("audio")->duration, 4.0, 1e-3);
     EXPECT_NEAR(muxed.stream("video")->duration, movie.duration, 2e-3);
     EXPECT_NEAR(muxed.duration, std::max(4.0, movie.duration), 2e-3);
+}
+
+TEST_F(ViewRecorderTest, ARecorderDroppedWhileItsMovieIsWrittenHearsNothingMore) {
+    QueueLog log;
+    PulsingGrid grid;
+    ASSERT_TRUE(grid.item);
+    Progress progress;
+    bool completed = false;
+    auto recorder = std::make_unique<ViewRecorder>(QSizeF(192, 192), 95.0f, &progress);
+    recorder->startRecordingView(grid.item.get(), [&](const QUrl&) { completed = true; });
+    processEventsUntil([] { return false; }, 0.5);
+    recorder->stop();
+    recorder.reset();  // the export screen cancelled
+    ASSERT_TRUE(processEventsUntil([&] { return log.contains("finishWritingWithCompletionHandler"); }, 60));
+    processEventsUntil([] { return false; }, 0.2);
+    EXPECT_FALSE(completed);
+    EXPECT_TRUE(progress.fractions.empty());
+    EXPECT_GT(decodeVideo(scratch("tempGlvid.mov")).size(), 5u) << "the writing itself finishes";
+}
+
+TEST_F(ViewRecorderTest, AMovieThatCannotBeCreatedStillReportsItsEnd) {
+    QueueLog log;
+    Filer::setTemporaryDirectory("/dev/null/quillo");  // no folder can be made there
+    SteppedClock clock(0);
+    Progress progress;
+    auto writer = ViewRecorderAssetWriter::create(QSizeF(64, 48), 120.0f, &progress, clock);
+    for (int i = 0; i < 3; ++i) writer->writeFrameWithImage(solid(Qt::red));
+    writer->startDate = 1000.0;
+    writer->endDate = 1000.15;
+    bool done = false;
+    writer->writeVideoFromImageFrames([&](const QUrl&) { done = true; });
+    ASSERT_TRUE(processEventsUntil([&] { return done; }, 30));
+    EXPECT_TRUE(log.contains("Error: cannot open"));
+    EXPECT_TRUE(log.contains("Input error"));
+    EXPECT_TRUE(log.contains("finishWritingWithCompletionHandler"));
+    EXPECT_EQ(progress.fractions, std::vector<float>{1.f});
 }
