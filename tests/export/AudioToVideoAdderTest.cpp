@@ -48,8 +48,7 @@ TEST_F(AudioToVideoAdderTest, CopiesBothTracksFromZeroEachAtItsOwnLength) {
     for (Case c : {Case{3.0, 1.0}, Case{0.5, 2.0}}) {
         SCOPED_TRACE(testing::Message() << "audio " << c.audioSeconds << " s, video " << c.videoSeconds << " s");
         QueueLog log;
-        const std::vector<int16_t> samples = noise(size_t(c.audioSeconds * 44100) * 2, 11);
-        writeWav(scratch("tempRecording.wav"), 2, samples);
+        writeNoiseWav(scratch("tempRecording.wav"), size_t(c.audioSeconds * 44100), 11);
         writeMovie(scratch("tempGlvid.mov"), c.videoSeconds);
 
         Joined joined;
@@ -60,7 +59,7 @@ TEST_F(AudioToVideoAdderTest, CopiesBothTracksFromZeroEachAtItsOwnLength) {
         EXPECT_TRUE(log.contains("video exist at path " + scratch("tempGlvid.mov") + " = 1"));
 
         const std::string muxed = scratch("tempaudvid.mov");
-        EXPECT_EQ(decodeAudio(muxed), readWavSamples(scratch("tempRecording.wav")));
+        EXPECT_EQ(decodeAudio(muxed), readWav(scratch("tempRecording.wav")).samples);
         EXPECT_EQ(videoPackets(muxed), videoPackets(scratch("tempGlvid.mov")));
         const ProbedMovie movie = ffprobe(muxed);
         ASSERT_NE(movie.stream("audio"), nullptr);
@@ -80,7 +79,7 @@ TEST_F(AudioToVideoAdderTest, CopiesBothTracksFromZeroEachAtItsOwnLength) {
 
 TEST_F(AudioToVideoAdderTest, WithoutAMovieStopsBeforeTouchingTheLastResultAndTellsNobody) {
     QueueLog log;
-    writeWav(scratch("tempRecording.wav"), 1, noise(44100, 2));
+    writeNoiseWav(scratch("tempRecording.wav"), 44100, 2);
     {
         QFile stale(QString::fromStdString(scratch("tempaudvid.mov")));
         ASSERT_TRUE(stale.open(QIODevice::WriteOnly));

@@ -42,7 +42,7 @@ using MovieMakerTest = MovieTest;
 TEST_F(MovieMakerTest, OneImageIsOneFrameAtZeroAndTheJoinedMovieLastsAsLongAsTheAudio) {
     QueueLog log;
     const int64_t audioFrames = 110250;  // 2.5 s
-    writeWav(scratch("tempRecording.wav"), 1, noise(size_t(audioFrames), 3));
+    writeNoiseWav(scratch("tempRecording.wav"), size_t(audioFrames), 3);
 
     // 250 is no multiple of 16 and 141 is odd: warned about, and made all the same.
     const VideoSettings settings = MovieMaker::videoSettingsWithCodec(kVideoCodecH264, 250, 141);
@@ -76,7 +76,7 @@ TEST_F(MovieMakerTest, OneImageIsOneFrameAtZeroAndTheJoinedMovieLastsAsLongAsThe
 
 TEST_F(MovieMakerTest, LaterImagesStartOneTickPerImageAfterTheAudio) {
     QueueLog log;
-    writeWav(scratch("tempRecording.wav"), 2, noise(2 * 22050, 5));  // 0.5 s
+    writeNoiseWav(scratch("tempRecording.wav"), 22050, 5);  // 0.5 s
     MovieMaker maker(MovieMaker::videoSettingsWithCodec(kVideoCodecH264, 256, 144));
     EXPECT_FALSE(log.contains("Warning"));
     bool onMain = false;

@@ -1,7 +1,5 @@
 #include "MovieTestSupport.h"
 
-#include <sndfile.h>
-
 #include <QDir>
 #include <QGuiApplication>
 #include <QJsonArray>
@@ -82,24 +80,6 @@ std::string QueueLog::queueOf(const std::string& text) const {
     return i < 0 ? std::string("(no such line)") : lines_[size_t(i)].queue;
 }
 
-void writeWav(const std::string& path, int channels, const std::vector<int16_t>& samples) {
-    SF_INFO info{0, 44100, channels, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 0, 0};
-    SNDFILE* f = sf_open(path.c_str(), SFM_WRITE, &info);
-    ASSERT_NE(f, nullptr) << sf_strerror(nullptr);
-    sf_write_short(f, samples.data(), sf_count_t(samples.size()));
-    sf_close(f);
-}
-
-std::vector<int16_t> readWavSamples(const std::string& path) {
-    SF_INFO info{};
-    SNDFILE* f = sf_open(path.c_str(), SFM_READ, &info);
-    if (!f) return {};
-    std::vector<int16_t> samples(size_t(info.frames * info.channels));
-    sf_read_short(f, samples.data(), sf_count_t(samples.size()));
-    sf_close(f);
-    return samples;
-}
-
 std::vector<int16_t> noise(size_t count, uint32_t seed) {
     std::vector<int16_t> out(count);
     uint32_t x = seed * 2654435761u + 1;
@@ -110,6 +90,10 @@ std::vector<int16_t> noise(size_t count, uint32_t seed) {
         s = int16_t(x & 0xffff);
     }
     return out;
+}
+
+void writeNoiseWav(const std::string& path, size_t frames, uint32_t seed) {
+    writeStereoWav(path, noise(frames, seed), noise(frames, seed + 1));
 }
 
 const ProbedStream* ProbedMovie::stream(const std::string& type) const {
@@ -254,19 +238,7 @@ std::vector<std::string> videoPackets(const std::string& path) {
 
 int64_t boxOffset(const std::string& path, const std::string& type) {
     std::ifstream in(path, std::ios::binary);
-    int64_t at = 0;
-    unsigned char header[16];
-    while (in.read(reinterpret_cast<char*>(header), 8)) {
-        uint64_t size = (uint64_t(header[0]) << 24) | (uint64_t(header[1]) << 16) | (uint64_t(header[2]) << 8) | header[3];
-        if (std::string(reinterpret_cast<char*>(header) + 4, 4) == type) return at;
-        if (size == 1) {  // 64-bit size follows
-            if (!in.read(reinterpret_cast<char*>(header) + 8, 8)) return -1;
-            size = 0;
-            for (int i = 8; i < 16; ++i) size = (size << 8) | header[i];
-        }
-        if (size < 8) return -1;
-        at += int64_t(size);
-        in.seekg(at);
-    }
-    return -1;
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const size_t at = bytes.find(type);  // the box's own header comes before any chance match in its data
+    return at == std::string::npos ? -1 : int64_t(at) - 4;
 }

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/recording/RecordingTestSupport.h"
+
 // The offscreen Qt application every movie test runs in (created once).
 void ensureGuiApplication();
 // Runs the main thread's events until `done` or `seconds` pass; returns done().
@@ -41,11 +43,10 @@ private:
     std::vector<Line> lines_;
 };
 
-// 16-bit 44.1 kHz WAV with interleaved `samples`.
-void writeWav(const std::string& path, int channels, const std::vector<int16_t>& samples);
-std::vector<int16_t> readWavSamples(const std::string& path);
 // Deterministic noise: every sample differs from its neighbours.
 std::vector<int16_t> noise(size_t count, uint32_t seed);
+// A stereo 16-bit 44.1 kHz WAV of `frames` frames of noise.
+void writeNoiseWav(const std::string& path, size_t frames, uint32_t seed);
 
 struct ProbedStream {
     std::string type, codec, pixelFormat;
@@ -75,5 +76,5 @@ std::vector<DecodedFrame> decodeVideo(const std::string& path);
 std::vector<int16_t> decodeAudio(const std::string& path);
 // The compressed video samples as stored, in order.
 std::vector<std::string> videoPackets(const std::string& path);
-// Byte offset of a top-level box ("moov", "mdat") in a QuickTime file; -1 when absent.
+// Where a box ("moov", "mdat") of a QuickTime file starts; -1 when absent.
 int64_t boxOffset(const std::string& path, const std::string& type);

@@ -205,7 +205,7 @@ TEST_F(ViewRecorderTest, FilmsALiveGridForFourSecondsAndJoinsItWithItsAudio) {
     EXPECT_FALSE(progress.fractions.empty());
 
     // The captured audio, four seconds of it, joined with the movie.
-    writeWav(scratch("tempRecording.wav"), 2, noise(4 * 44100 * 2, 7));
+    writeNoiseWav(scratch("tempRecording.wav"), 4 * 44100, 7);
     Joined joined;
     AudioToVideoAdder adder(&joined);
     adder.addAudioToVideo();
