@@ -3,7 +3,6 @@
 // movie (the pass-through copy the export makes before saving or mailing).
 #include <benchmark/benchmark.h>
 #include <sndfile.h>
-#include <stdlib.h>
 
 #include <QImage>
 #include <QPainter>
@@ -12,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchFolder.h"
 #include "export/movie/encoder/MediaAsset.h"
 #include "export/movie/encoder/MovieComposition.h"
 #include "export/movie/encoder/MovieFileWriter.h"
@@ -20,20 +20,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct BenchFolder {
-    std::string path;
-    BenchFolder() {
-        std::string tmpl = (fs::temp_directory_path() / "quillo-moviebench-XXXXXX").string();
-        path = mkdtemp(tmpl.data());
-    }
-    ~BenchFolder() {
-        std::error_code ec;
-        fs::remove_all(path, ec);
-    }
-};
-
 BenchFolder& folder() {
-    static BenchFolder f;
+    static BenchFolder f("quillo-moviebench");
     return f;
 }
 

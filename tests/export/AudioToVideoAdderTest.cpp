@@ -4,19 +4,10 @@
 #include <QThread>
 
 #include "MovieTestSupport.h"
-#include "export/movie/AudioToVideoAdder.h"
 #include "export/movie/encoder/MovieFileWriter.h"
 
 namespace {
 
-struct Joined final : AudioToVideoAdderDelegate {
-    int told = 0;
-    bool onMainThread = false;
-    void audioAddedToVideo() override {
-        ++told;
-        onMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
-    }
-};
 
 // A movie of `seconds` at ten frames per second, each frame a different grey.
 void writeMovie(const std::string& path, double seconds) {
@@ -51,7 +42,7 @@ TEST_F(AudioToVideoAdderTest, CopiesBothTracksFromZeroEachAtItsOwnLength) {
         writeNoiseWav(scratch("tempRecording.wav"), size_t(c.audioSeconds * 44100), 11);
         writeMovie(scratch("tempGlvid.mov"), c.videoSeconds);
 
-        Joined joined;
+        JoinListener joined;
         AudioToVideoAdder adder(&joined);
         adder.addAudioToVideo();
         ASSERT_TRUE(processEventsUntil([&] { return joined.told > 0; }, 60));
@@ -85,7 +76,7 @@ TEST_F(AudioToVideoAdderTest, WithoutAMovieStopsBeforeTouchingTheLastResultAndTe
         ASSERT_TRUE(stale.open(QIODevice::WriteOnly));
         stale.write("earlier movie");
     }
-    Joined joined;
+    JoinListener joined;
     AudioToVideoAdder adder(&joined);
     adder.addAudioToVideo();
     ASSERT_TRUE(processEventsUntil([&] { return log.contains("video exist at path"); }, 30));

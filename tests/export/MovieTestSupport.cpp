@@ -54,6 +54,18 @@ void MovieTest::TearDown() {
 
 std::string MovieTest::scratch(const std::string& name) const { return QDir(dir_.path()).filePath(QString::fromStdString(name)).toStdString(); }
 
+void JoinListener::audioAddedToVideo() {
+    ++told;
+    onMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
+}
+
+bool joinScratchFiles() {
+    JoinListener joined;
+    AudioToVideoAdder adder(&joined);
+    adder.addAudioToVideo();
+    return processEventsUntil([&] { return joined.told > 0; }, 60) && joined.onMainThread;
+}
+
 namespace {
 std::mutex gLogMutex;
 }

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "export/movie/AudioToVideoAdder.h"
 #include "tests/recording/RecordingTestSupport.h"
 
 // The offscreen Qt application every movie test runs in (created once).
@@ -26,6 +27,15 @@ protected:
     std::string scratch(const std::string& name) const;
     QTemporaryDir dir_;
 };
+
+// Hears when the audio was joined with the movie, and on which thread.
+struct JoinListener final : AudioToVideoAdderDelegate {
+    int told = 0;
+    bool onMainThread = false;
+    void audioAddedToVideo() override;
+};
+// Joins the scratch audio and movie as the export does; false when nobody was told.
+bool joinScratchFiles();
 
 // Log lines with the label of the serial queue that wrote each (empty: not on one).
 class QueueLog {

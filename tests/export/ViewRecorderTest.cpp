@@ -11,7 +11,6 @@
 #include <cstdio>
 
 #include "MovieTestSupport.h"
-#include "export/movie/AudioToVideoAdder.h"
 #include "export/movie/MovieClock.h"
 #include "export/movie/ViewRecorder.h"
 #include "library/media/Filer.h"
@@ -164,10 +163,6 @@ struct PulsingGrid {
     }
 };
 
-struct Joined final : AudioToVideoAdderDelegate {
-    bool told = false;
-    void audioAddedToVideo() override { told = true; }
-};
 
 }  // namespace
 
@@ -206,10 +201,7 @@ TEST_F(ViewRecorderTest, FilmsALiveGridForFourSecondsAndJoinsItWithItsAudio) {
 
     // The captured audio, four seconds of it, joined with the movie.
     writeNoiseWav(scratch("tempRecording.wav"), 4 * 44100, 7);
-    Joined joined;
-    AudioToVideoAdder adder(&joined);
-    adder.addAudioToVideo();
-    ASSERT_TRUE(processEventsUntil([&] { return joined.told; }, 60));
+    ASSERT_TRUE(joinScratchFiles());
     const ProbedMovie muxed = ffprobe(scratch("tempaudvid.mov"));
     ASSERT_NE(muxed.stream("audio"), nullptr);
     ASSERT_NE(muxed.stream("video"), nullptr);
