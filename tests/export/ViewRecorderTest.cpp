@@ -1,5 +1,6 @@
-// Filming: the frame times of the writer (with a clock the test drives) and a
-// live QML grid filmed in real time, then joined with its audio.
+// Filming: the frame times of the writer (with a clock the test drives), a
+// live QML grid filmed in real time and joined with its audio, and the ends
+// of a filming that is dropped or cannot be written.
 #include <QCoreApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
