@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchFolder.h"
 #include "library/media/Filer.h"
 #include "recording/Autotrimmer.h"
 #include "recording/Recorder.h"
@@ -23,19 +24,6 @@ constexpr sf_count_t kFrames = 10 * 60 * 44100;
 
 // A 10-minute stereo take: a second of room noise below the threshold at each
 // end, a busy signal in between.
-// The benchmark's folder, removed at exit.
-struct BenchFolder {
-    std::string path;
-    BenchFolder() {
-        std::string tmpl = (fs::temp_directory_path() / "quillo-bench-XXXXXX").string();
-        path = mkdtemp(tmpl.data());
-    }
-    ~BenchFolder() {
-        std::error_code ec;
-        fs::remove_all(path, ec);
-    }
-};
-
 const std::string& takePath() {
     static BenchFolder folder;
     static std::string path;
