@@ -167,7 +167,7 @@ inline CliResult runCli(const std::vector<std::string>& args, const std::map<std
 
 inline std::string integrityOf(const std::string& storePath) {
     sqlite3* db = nullptr;
-    sqlite3_open_v2(storePath.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_open_v2(storePath.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);  // may recover the journal
     sqlite3_stmt* st = nullptr;
     std::string verdict = "no answer";
     if (sqlite3_prepare_v2(db, "PRAGMA integrity_check", -1, &st, nullptr) == SQLITE_OK &&
