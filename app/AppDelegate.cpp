@@ -12,6 +12,7 @@
 #include "library/CoreDater.h"
 #include "library/content/OpenedLibrary.h"
 #include "library/media/Filer.h"
+#include "library/model/Model.h"
 #include "library/palette/Colorer.h"
 #include "library/store/LibraryStore.h"
 #include "library/text/Localized.h"
@@ -232,6 +233,12 @@ Sound* AppDelegate::handleOpenURL(const std::string& url) {
     if (!lastImport_.warning.empty()) qlog("%s", lastImport_.warning.c_str());
     if (lastImport_.sound) reloadSoundsList();
     return lastImport_.sound;
+}
+
+std::string AppDelegate::importHandedOverFile(const std::string& path) {
+    Sound* sound = handleOpenURL(path);
+    if (!sound) return "error\t" + Utly::oneLine(lastImport_.error);
+    return "ok\t" + sound->name();
 }
 
 void AppDelegate::reloadSoundsList() {

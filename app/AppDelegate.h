@@ -91,6 +91,10 @@ public:
     // failed (lastImport() says why; nothing has changed then).
     Sound* handleOpenURL(const std::string& url);
     const ImportOutcome& lastImport() const { return lastImport_; }
+    // The same for a file handed over through the window's HandoffChannel:
+    // imports it and gives the channel's answer line ("ok\tNAME" or
+    // "error\tMESSAGE").
+    std::string importHandedOverFile(const std::string& path);
     void reloadSoundsList();
     std::function<void()> soundsListReloader;  // set by the sounds list while it is on top
 
