@@ -84,8 +84,8 @@ bool OpenedLibrary::openForWriting(LibraryOpenError* error) {
         return false;
     }
     becomeCurrent();
-    if (storeHoldsNoSound()) {
-        createdBuiltInContent_ = createBuiltInContentIfEmpty();
+    if (storeHoldsNoSound()) {  // the launch's one such check
+        createdBuiltInContent_ = createBuiltInContent();
         if (!createdBuiltInContent_) {
             fill(error, 74, "cannot add the built-in sounds to " + folder_ + ": " + CoreDater::shIns().lastSaveError());
             CoreDater::shIns().setManagedObjectContext(nullptr);
@@ -112,11 +112,15 @@ std::unique_ptr<OpenedLibrary> OpenedLibrary::open(const std::string& folder) {
     return library;
 }
 
-bool OpenedLibrary::storeHoldsNoSound() { return CoreDater::shIns().getAllItemsOfEntity("Sound").empty(); }
+bool OpenedLibrary::storeHoldsNoSound() {
+    LibraryStore* store = CoreDater::shIns().managedObjectContext();
+    return !store || store->objects(Entity::Sound).empty();
+}
 
-bool OpenedLibrary::createBuiltInContentIfEmpty() {
+bool OpenedLibrary::createBuiltInContentIfEmpty() { return storeHoldsNoSound() && createBuiltInContent(); }
+
+bool OpenedLibrary::createBuiltInContent() {
     CoreDater& dater = CoreDater::shIns();
-    if (!storeHoldsNoSound()) return false;
     qlog("baseIsEmpty");
     // One transaction: a launch killed (or a disk filling up) half-way leaves
     // no built-in content at all, and the next launch makes all of it.

@@ -39,6 +39,8 @@ public:
     static bool createBuiltInContentIfEmpty();
     // True when the current store holds no sound at all.
     static bool storeHoldsNoSound();
+    // The built-in content, in one transaction, without looking first.
+    static bool createBuiltInContent();
 
     ~OpenedLibrary();
     OpenedLibrary(const OpenedLibrary&) = delete;

@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -21,6 +22,15 @@
 #include "tests/library/TestStore.h"
 
 namespace apptest {
+
+// The one application object of the test process (translations, local sockets).
+inline QCoreApplication& application() {
+    static int argc = 1;
+    static char name[] = "test_app";
+    static char* argv[] = {name, nullptr};
+    static QCoreApplication app(argc, argv);
+    return app;
+}
 
 // A sound whose every frame is known: sample k of channel c is (k * 7 + c * 1000) % 20000 - 10000,
 // so a file holding it can be checked frame by frame.

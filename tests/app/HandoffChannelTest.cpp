@@ -12,14 +12,6 @@ using namespace apptest;
 
 namespace {
 
-QCoreApplication& application() {
-    static int argc = 1;
-    static char name[] = "test_app";
-    static char* argv[] = {name, nullptr};
-    static QCoreApplication app(argc, argv);
-    return app;
-}
-
 // Runs `work` on another thread while this thread serves the event loop.
 template <class F>
 auto whileServing(F work) {
