@@ -175,17 +175,5 @@ inline CliResult runCli(const std::vector<std::string>& args, const std::map<std
     return CliProcess(args, env).wait();
 }
 
-inline std::string integrityOf(const std::string& storePath) {
-    sqlite3* db = nullptr;
-    sqlite3_open_v2(storePath.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);  // may recover the journal
-    sqlite3_stmt* st = nullptr;
-    std::string verdict = "no answer";
-    if (sqlite3_prepare_v2(db, "PRAGMA integrity_check", -1, &st, nullptr) == SQLITE_OK &&
-        sqlite3_step(st) == SQLITE_ROW)
-        verdict = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
-    sqlite3_finalize(st);
-    sqlite3_close(db);
-    return verdict;
-}
 
 }  // namespace apptest

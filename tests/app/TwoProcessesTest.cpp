@@ -146,7 +146,7 @@ TEST_F(TwoProcessesTest, KilledFirstLaunchesLeaveAllOrNothingOfTheBuiltInContent
         run.kill(SIGKILL);
         run.wait();
         if (!fs::exists(store(lib))) continue;
-        ASSERT_EQ(integrityOf(store(lib)), "ok") << round;
+        ASSERT_EQ(integrity(store(lib)), "ok") << round;
         // -1: killed before even the tables were made.
         const int64_t sounds = std::max<int64_t>(0, countRows(store(lib), "SELECT count(*) FROM Sound"));
         const int64_t loops = std::max<int64_t>(0, countRows(store(lib), "SELECT count(*) FROM Loop"));
@@ -183,7 +183,7 @@ TEST_F(TwoProcessesTest, KilledImportsLoseNothing) {
         CliResult r = run.wait();
         if (r.status == 0) reported[r.out.substr(0, r.out.find('\t'))] = frames;
         else killed.push_back({source, frames});
-        ASSERT_EQ(integrityOf(store(lib)), "ok") << round;
+        ASSERT_EQ(integrity(store(lib)), "ok") << round;
     }
     CliResult list = runCli(cli(lib, {"list", "sounds"}), env());
     ASSERT_EQ(list.status, 0) << list.err;

@@ -29,19 +29,6 @@ namespace {
     }
 }
 
-std::string integrity(const std::string& path) {
-    sqlite3* db = nullptr;
-    sqlite3_open(path.c_str(), &db);
-    sqlite3_stmt* st = nullptr;
-    std::string verdict = "no answer";
-    if (sqlite3_prepare_v2(db, "PRAGMA integrity_check", -1, &st, nullptr) == SQLITE_OK &&
-        sqlite3_step(st) == SQLITE_ROW)
-        verdict = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
-    sqlite3_finalize(st);
-    sqlite3_close(db);
-    return verdict;
-}
-
 }  // namespace
 
 TEST(StoreDurability, KilledWriterLosesNoReturnedSave) {
