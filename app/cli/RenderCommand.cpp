@@ -32,15 +32,18 @@ constexpr long kMaxRepeats = 1000;
 int renderToFile(AudioController* controller, uint64_t frames, const std::string& path) {
     const uint32_t kChunk = 8192;
     std::string partial = path + ".part";
+    // Caught before the partial file exists, so that it never outlives us.
+    stopSignal = 0;
+    auto previousInt = std::signal(SIGINT, onStopSignal);
+    auto previousTerm = std::signal(SIGTERM, onStopSignal);
     AudioFileWriter writer(controller->audioDescription());
     AudioError error;
     if (!writer.beginWritingToFileAtPath(partial, kAudioFileWAVEType, 16, 2, &error)) {
         std::fprintf(stderr, "quillo-cli: cannot write %s: %s\n", path.c_str(), error.localizedDescription.c_str());
+        std::signal(SIGINT, previousInt);
+        std::signal(SIGTERM, previousTerm);
         return 1;
     }
-    stopSignal = 0;
-    auto previousInt = std::signal(SIGINT, onStopSignal);
-    auto previousTerm = std::signal(SIGTERM, onStopSignal);
     AudioBufferList* buffer = allocateBufferList(controller->audioDescription(), kChunk);
     controller->setOfflinePassFrames(1024);
     ProgressLine progress;

@@ -67,10 +67,12 @@ std::string Utly::changeNameOf(const std::string& entity, const std::string& wan
     std::string first = utf8Prefix(base, maxBytes);
     if (isFree(first)) return first;
     for (int n = 2;; ++n) {
-        const std::string suffix = " " + std::to_string(n);
+        std::string suffix(1, ' ');
+        suffix += std::to_string(n);
         std::string candidate =
-            utf8Prefix(base, maxBytes == std::string::npos ? std::string::npos : maxBytes - suffix.size()) + suffix;
+            utf8Prefix(base, maxBytes == std::string::npos ? std::string::npos : maxBytes - suffix.size());
+        candidate.append(suffix);
         if (isFree(candidate)) return candidate;
-        qlog("exist %s", (base + " " + std::to_string(n + 1)).c_str());
+        qlog("exist %s %d", base.c_str(), n + 1);
     }
 }

@@ -114,7 +114,8 @@ private:
 };
 
 struct CliResult {
-    int status = -1;  // exit status, or 128 + signal
+    int status = -1;     // exit status; -1 when a signal ended it
+    int killedBy = 0;    // that signal
     std::string out, err;
 };
 
@@ -162,7 +163,8 @@ public:
         errReader.join();
         int status = 0;
         ::waitpid(pid_, &status, 0);
-        r.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        if (WIFEXITED(status)) r.status = WEXITSTATUS(status);
+        else r.killedBy = WTERMSIG(status);
         return r;
     }
 

@@ -247,7 +247,7 @@ TEST_F(TwoProcessesTest, InterruptedOrFailedRendersLeaveNothingBehind) {
         ASSERT_TRUE(fs::exists(out + ".part"));
         render.kill(signal);
         CliResult r = render.wait();
-        EXPECT_EQ(r.status, 128 + signal) << r.err;
+        EXPECT_EQ(r.status, 128 + signal) << "killed by " << r.killedBy << "; " << r.err;  // it stopped by itself
         EXPECT_FALSE(fs::exists(out + ".part"));
         EXPECT_FALSE(fs::exists(out));
     }
