@@ -10,7 +10,6 @@
 #include "app/handoff/HandoffChannel.h"
 #include "library/media/Filer.h"
 #include "library/model/Model.h"
-#include "library/store/LibraryLock.h"
 #include "library/text/Localized.h"
 
 int runImport(CliContext& context) {
@@ -27,18 +26,16 @@ int runImport(CliContext& context) {
     std::error_code ec;
     file = std::filesystem::absolute(file, ec).lexically_normal().string();
 
-    LibraryLock::Holder holder;
-    if (LibraryLock::holder(context.libraryFolder, &holder)) {
-        HandoffReply reply = HandoffChannel::sendFile(context.libraryFolder, file);
-        if (reply.delivered) {
-            if (!reply.imported) {
-                std::fprintf(stderr, "quillo-cli: %s\n", reply.text.c_str());
-                return 1;
-            }
-            std::printf("%s\t%s\n", reply.text.c_str(), localized("Imported").c_str());
-            return 0;
+    // The window holds the library: it imports the file. Another command
+    // that holds it is waited for like any writer.
+    HandoffReply reply = HandoffChannel::sendFileToLibraryHolder(context.libraryFolder, file);
+    if (reply.delivered) {
+        if (!reply.imported) {
+            std::fprintf(stderr, "quillo-cli: %s\n", reply.text.c_str());
+            return 1;
         }
-        // Another command holds it: wait for it like any writer.
+        std::printf("%s\t%s\n", reply.text.c_str(), localized("Imported").c_str());
+        return 0;
     }
 
     CliSession session(context, AudioDriverKind::Null, LibraryAccess::Write);

@@ -7,6 +7,8 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 
+#include "library/store/LibraryLock.h"
+
 namespace {
 constexpr qint64 kMaxLine = 64 * 1024;
 }
@@ -76,4 +78,10 @@ HandoffReply HandoffChannel::sendFile(const std::string& libraryFolder, const st
     reply.imported = status == "ok";
     reply.text = (tab < 0 ? QString() : line.mid(tab + 1)).toStdString();
     return reply;
+}
+
+HandoffReply HandoffChannel::sendFileToLibraryHolder(const std::string& libraryFolder, const std::string& path) {
+    LibraryLock::Holder holder;
+    if (!LibraryLock::holder(libraryFolder, &holder)) return HandoffReply{};
+    return sendFile(libraryFolder, path);
 }

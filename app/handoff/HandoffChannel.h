@@ -42,6 +42,10 @@ public:
     // Client: hands `path` to the window serving `libraryFolder`, waiting up
     // to timeoutMs for its answer. Not delivered when nobody serves it.
     static HandoffReply sendFile(const std::string& libraryFolder, const std::string& path, int timeoutMs = 30000);
+    // As sendFile, but only when some program holds the library's writer
+    // lock (`quillo FILE` and `quillo-cli import` start with this). Not
+    // delivered when nobody holds it or the holder serves no channel.
+    static HandoffReply sendFileToLibraryHolder(const std::string& libraryFolder, const std::string& path);
 
 private:
     void onNewConnection();

@@ -51,6 +51,9 @@ TEST(HandoffChannel, TheWindowGetsTheFileAndAnswers) {
 
     TempDir otherLibrary;
     EXPECT_FALSE(HandoffChannel::sendFile(otherLibrary.path(), "/x/Beat.wav").delivered);
+    // Nobody holds this library's lock yet: nothing is sent.
+    EXPECT_FALSE(whileServing([&] { return HandoffChannel::sendFileToLibraryHolder(library.path(), "/x/B.wav"); })
+                     .delivered);
 
     // quillo-cli import on a library the window holds hands the file over.
     LibraryLock::Failure failure;
