@@ -17,15 +17,15 @@ bootstrap:
 	@./scripts/bootstrap
 
 build: bootstrap
-	@cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILLO_WERROR=ON >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
 
 build-asan: bootstrap
-	@cmake -S . -B $(ASAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQUILLO_SANITIZE=address,undefined -DQUILLO_BENCH=OFF >/dev/null
+	@cmake -S . -B $(ASAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQUILLO_SANITIZE=address,undefined -DQUILLO_BENCH=OFF -DQUILLO_WERROR=ON >/dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 
 build-rtsan: bootstrap
-	@CC=clang-22 CXX=clang++-22 cmake -S . -B $(RTSAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILLO_RTSAN=ON -DQUILLO_BENCH=OFF >/dev/null
+	@CC=clang-22 CXX=clang++-22 cmake -S . -B $(RTSAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILLO_RTSAN=ON -DQUILLO_BENCH=OFF -DQUILLO_WERROR=ON >/dev/null
 	@cmake --build $(RTSAN_BUILD) -j $(JOBS)
 
 # Without a display there is no window: say so, and play a built-in loop instead.

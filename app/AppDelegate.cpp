@@ -3,7 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSettings>
-#include <QUrl>
+#include <cstdio>
+#include <cstdlib>
 
 #include "app/LibraryLocation.h"
 #include "engine/AudioFileLoaderOperation.h"
@@ -11,6 +12,7 @@
 #include "library/CoreDater.h"
 #include "library/content/OpenedLibrary.h"
 #include "library/media/Filer.h"
+#include "library/model/Model.h"
 #include "library/palette/Colorer.h"
 #include "library/store/LibraryStore.h"
 #include "library/text/Localized.h"
@@ -24,20 +26,6 @@
 
 namespace {
 AppDelegate* sharedDelegate = nullptr;
-
-// "file:///x/Beat.wav" or a plain path; anything else is not a file.
-bool filePathOf(const std::string& url, std::string* path) {
-    QUrl u(QString::fromStdString(url));
-    if (u.isLocalFile()) {
-        *path = u.toLocalFile().toStdString();
-        return true;
-    }
-    if (!url.empty() && url[0] == '/') {
-        *path = url;
-        return true;
-    }
-    return false;
-}
 }  // namespace
 
 AppDelegate::AppDelegate(AppDelegateOptions options) : options_(std::move(options)) {
@@ -68,9 +56,11 @@ AppDelegate* AppDelegate::shared() { return sharedDelegate; }
 
 bool AppDelegate::didFinishLaunching(const std::string& handedOverFile) {
     loadState();
+    installTranslations(Filer::resourceDirectory() + "/../translations");
+    // Opening the library adds the built-in content whenever the store holds
+    // no sound at all (the one such check of a launch).
+    if (!openLibrary()) return false;
     addAudioControlla();
-    managedObjectContext();
-    OpenedLibrary::createBuiltInContentIfEmpty();  // whenever the store holds no sound at all
     playback_.loopplayers.clear();
     playback_.trackplayers.clear();
     playback_.loadedFiles.clear();
@@ -119,15 +109,21 @@ void AppDelegate::addAudioControlla() {
 
 bool AppDelegate::baseIsEmpty() {
     managedObjectContext();
-    return CoreDater::shIns().getAllItemsOfEntity("Sound").empty();
+    return OpenedLibrary::storeHoldsNoSound();
+}
+
+bool AppDelegate::openLibrary() {
+    if (library_) return true;
+    library_ = OpenedLibrary::open(documents_, options_.access, &libraryError_);
+    return library_ != nullptr;
 }
 
 LibraryStore* AppDelegate::managedObjectContext() {
-    if (!store_) {
-        store_ = LibraryStore::openOrExit(storePathInLibrary(documents_));
-        CoreDater::shIns().setManagedObjectContext(store_.get());
+    if (!openLibrary()) {
+        std::fprintf(stderr, "quillo: %s\n", libraryError_.message.c_str());
+        std::exit(libraryError_.exitCode);
     }
-    return store_.get();
+    return &library_->store();
 }
 
 void AppDelegate::removeAllChannelsFromAC() {
@@ -232,33 +228,23 @@ bool AppDelegate::setACInputEnabled(bool enabled) {
 }
 
 bool AppDelegate::openURL(const std::string& url) {
-    std::string path;
-    if (filePathOf(url, &path)) handleOpenURL(path);
+    if (!Filer::pathFromUrl(url).empty()) handleOpenURL(url);
     return true;
 }
 
 Sound* AppDelegate::handleOpenURL(const std::string& url) {
-    std::string path;
-    if (!filePathOf(url, &path)) return nullptr;
-    // A file that does not open as audio is refused with a message, and
-    // nothing (not even the handed-over file) is touched.
-    AudioStreamDescription format{};
-    uint64_t frames = 0;
-    AudioError error;
-    if (!AudioFileLoaderOperation::infoForFileAtURL(path, &format, &frames, &error)) {
-        qlog("Import refused: %s is not a sound file Quillo can play (%s)", path.c_str(),
-             error.localizedDescription.c_str());
-        return nullptr;
-    }
     managedObjectContext();
-    std::string wanted = QFileInfo(QString::fromStdString(path)).completeBaseName().toStdString();
-    std::string name = Utly::changeNameOf("Sound", wanted);
-    Filer::copyFile(path, Filer::urlForUsersSoundWithName(name));
-    Sound* sound = CoreDater::shIns().createRecordedSound(name, static_cast<int16_t>(Colorer::randomColorNum()),
-                                                          localized("Imported"));
-    reloadSoundsList();
-    Filer::deleteFileFromUrl(path);
-    return sound;
+    lastImport_ = SoundImporter::importFile(url);
+    if (!lastImport_.error.empty()) qlog("Import refused: %s", lastImport_.error.c_str());
+    if (!lastImport_.warning.empty()) qlog("%s", lastImport_.warning.c_str());
+    if (lastImport_.sound) reloadSoundsList();
+    return lastImport_.sound;
+}
+
+std::string AppDelegate::importHandedOverFile(const std::string& path) {
+    Sound* sound = handleOpenURL(path);
+    if (!sound) return "error\t" + Utly::oneLine(lastImport_.error);
+    return "ok\t" + sound->name();
 }
 
 void AppDelegate::reloadSoundsList() {

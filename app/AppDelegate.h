@@ -10,7 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "app/SoundImporter.h"
 #include "engine/AudioController.h"
+#include "library/content/OpenedLibrary.h"
 #include "playback/PlaybackContext.h"
 
 class AudioFilePlayer;
@@ -25,6 +27,10 @@ struct AppDelegateOptions {
     std::string settingsFile;   // an INI file for the settings; empty: the user's Quillo settings
     AudioDriverKind driver = AudioDriverKind::Automatic;
     MainThread* mainThread = nullptr;
+    // Write: this process holds the library's writer lock while it runs (the
+    // window, import). Read: it only reads the store, alongside a writer or on
+    // read-only media (render, play).
+    LibraryAccess access = LibraryAccess::Write;
 };
 
 class AppDelegate {
@@ -37,15 +43,20 @@ public:
     // The application's delegate, while one exists.
     static AppDelegate* shared();
 
-    // Launch: settings, engine, built-in content when the store holds no
-    // sound, player lists, then the import of a handed-over file if any.
+    // Launch: settings, translations, the library (with the built-in content
+    // when the store holds no sound), engine, player lists, then the import of
+    // a handed-over file if any. False when the library cannot be opened
+    // (libraryError() says why); nothing has changed then.
     bool didFinishLaunching(const std::string& handedOverFile = {});
+    const LibraryOpenError& libraryError() const { return libraryError_; }
     void loadState();
     void saveState();
     void addAudioControlla();
     bool baseIsEmpty();
 
-    LibraryStore* managedObjectContext();  // opened on first use; a bad store ends the process
+    // Opened on first use; a library that cannot be opened ends the process
+    // after printing why.
+    LibraryStore* managedObjectContext();
     const std::string& applicationDocumentsDirectory() const { return documents_; }
 
     // Silences everything, in a fixed order (players, cache, input trace,
@@ -76,8 +87,14 @@ public:
 
     // A file handed over by another program: imported as a new sound in "Imported".
     bool openURL(const std::string& url);
-    // Returns the new sound, or none when the file was refused.
+    // Returns the new sound, or none when the file was refused or the import
+    // failed (lastImport() says why; nothing has changed then).
     Sound* handleOpenURL(const std::string& url);
+    const ImportOutcome& lastImport() const { return lastImport_; }
+    // The same for a file handed over through the window's HandoffChannel:
+    // imports it and gives the channel's answer line ("ok\tNAME" or
+    // "error\tMESSAGE").
+    std::string importHandedOverFile(const std::string& path);
     void reloadSoundsList();
     std::function<void()> soundsListReloader;  // set by the sounds list while it is on top
 
@@ -98,7 +115,10 @@ private:
     AppDelegateOptions options_;
     std::string documents_;
     std::unique_ptr<QSettings> settings_;
-    std::unique_ptr<LibraryStore> store_;
+    bool openLibrary();
+    std::unique_ptr<OpenedLibrary> library_;
+    LibraryOpenError libraryError_;
+    ImportOutcome lastImport_;
     std::unique_ptr<AudioController> controller_;
     PlaybackContext playback_;
 };

@@ -3,11 +3,19 @@
 #   QUILLO_SANITIZE  "address,undefined": the memory-error build that make test also runs
 #   QUILLO_RTSAN     RealtimeSanitizer (clang >= 20): checks that the render path never
 #                    allocates, frees, locks or blocks
+#   QUILLO_WERROR    warnings are errors: the developer and CI builds (make turns it on);
+#                    off by default so that a distribution's compiler can build a release
+#   BUILD_TESTING    the tests (needs GoogleTest); the benchmarks follow it by default
 option(QUILLO_RTSAN "Build with clang's RealtimeSanitizer" OFF)
 set(QUILLO_SANITIZE "" CACHE STRING "Comma-separated -fsanitize= list (e.g. address,undefined)")
-option(QUILLO_BENCH "Build the benchmarks" ON)
+option(BUILD_TESTING "Build the tests" ON)
+option(QUILLO_BENCH "Build the benchmarks" ${BUILD_TESTING})
+option(QUILLO_WERROR "Treat compiler warnings as errors" OFF)
 
-add_compile_options(-Wall -Wextra -Werror)
+add_compile_options(-Wall -Wextra)
+if(QUILLO_WERROR)
+  add_compile_options(-Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   # Debian 12's libstdc++ calls std::get_temporary_buffer inside stable_sort,
   # which newer clang reports as deprecated from within the system header.
@@ -43,8 +51,13 @@ function(quillo_add_test_suite name)
     set(filter TEST_FILTER "${ARG_RTSAN_FILTER}")
   endif()
   if(ARG_LABELS)
-    gtest_discover_tests(${name} ${filter} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 600 LABELS "${ARG_LABELS}")
+    gtest_discover_tests(${name} ${filter} DISCOVERY_TIMEOUT 120
+                         PROPERTIES TIMEOUT 600 LABELS "${ARG_LABELS}" ENVIRONMENT "${QUILLO_TEST_ENVIRONMENT}")
   else()
-    gtest_discover_tests(${name} ${filter} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 600)
+    gtest_discover_tests(${name} ${filter} DISCOVERY_TIMEOUT 120
+                         PROPERTIES TIMEOUT 600 ENVIRONMENT "${QUILLO_TEST_ENVIRONMENT}")
   endif()
 endfunction()
+
+# The tests' log lines go to the build tree, not the user's state folder.
+set(QUILLO_TEST_ENVIRONMENT "XDG_STATE_HOME=${CMAKE_BINARY_DIR}/test-state")

@@ -45,14 +45,29 @@ CoreDater& CoreDater::shIns() {
     return instance;
 }
 
-void CoreDater::save() {
-    if (!store_) return;
+bool CoreDater::save() {
+    if (!store_) return false;
+    if (batchDepth_ > 0) return true;
     StoreError error;
-    if (!store_->save(&error)) {
+    bool saved = store_->save(&error);
+    if (!saved) {
         qlog("Unresolved error %s, {%s}", error.description.c_str(), error.details.c_str());
+        lastSaveError_ = error.description;
     }
     // A second, silent attempt, as every save makes.
-    store_->save();
+    if (store_->save()) {
+        saved = true;
+        lastSaveError_.clear();
+    }
+    return saved;
+}
+
+bool CoreDater::endBatch(std::string* reason) {
+    if (batchDepth_ > 0) --batchDepth_;
+    if (batchDepth_ > 0) return true;
+    bool saved = save();
+    if (!saved && reason) *reason = lastSaveError_;
+    return saved;
 }
 
 std::vector<ManagedObject*> CoreDater::getAllItemsOfEntity(const std::string& entity) {

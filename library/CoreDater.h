@@ -21,7 +21,15 @@ public:
     // Where userArtistsName() comes from (the application's setting).
     void setUserArtistNameSource(std::function<std::string()> source) { artistSource_ = std::move(source); }
 
-    void save();
+    // Saves every change; false (after logging why) when the store refused.
+    // Inside a batch, only the outermost endBatch writes.
+    bool save();
+    // Several operations as one transaction: nothing reaches the file until
+    // endBatch, which saves everything at once (or nothing, if killed first).
+    void beginBatch() { ++batchDepth_; }
+    bool endBatch(std::string* reason = nullptr);
+    // Why the last save failed (empty after a successful one).
+    const std::string& lastSaveError() const { return lastSaveError_; }
 
     // Lookup.
     std::vector<ManagedObject*> getAllItemsOfEntity(const std::string& entity);  // newest first
@@ -90,4 +98,6 @@ private:
 
     LibraryStore* store_ = nullptr;
     std::function<std::string()> artistSource_;
+    int batchDepth_ = 0;
+    std::string lastSaveError_;
 };

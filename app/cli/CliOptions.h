@@ -19,6 +19,12 @@ public:
     const std::vector<std::string>& rest() const { return args_; }
     std::string error() const { return error_; }
 
+    // A whole number from lo to hi, or a number of seconds from lo to hi;
+    // anything else (words, overflow, out of range) prints "OPTION needs ..."
+    // on stderr and gives nullopt.
+    static std::optional<long> wholeNumber(const std::string& option, const std::string& text, long lo, long hi);
+    static std::optional<double> seconds(const std::string& option, const std::string& text, double lo, double hi);
+
 private:
     std::vector<std::string> args_;
     std::string error_;

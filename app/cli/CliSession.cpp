@@ -3,21 +3,39 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 
 #include "app/cli/NameMatch.h"
 #include "library/CoreDater.h"
+#include "library/content/OpenedLibrary.h"
 #include "library/model/Model.h"
 
-CliSession::CliSession(const CliContext& context, AudioDriverKind driver) {
+CliSession::CliSession(const CliContext& context, AudioDriverKind driver, LibraryAccess access) {
     AppDelegateOptions options;
     options.libraryFolder = context.libraryFolder;
     options.driver = driver;
     options.mainThread = &mainThread;
+    options.access = access;
     app = std::make_unique<AppDelegate>(options);
-    app->didFinishLaunching();
+    if (!app->didFinishLaunching()) {
+        const LibraryOpenError error = app->libraryError();
+        app.reset();
+        std::fprintf(stderr, "quillo-cli: %s\n", error.message.c_str());
+        std::exit(error.exitCode);
+    }
 }
 
 CliSession::~CliSession() { app.reset(); }
+
+std::unique_ptr<OpenedLibrary> openLibraryForReading(const CliContext& context) {
+    LibraryOpenError error;
+    auto library = OpenedLibrary::open(context.libraryFolder, LibraryAccess::Read, &error);
+    if (!library) {
+        std::fprintf(stderr, "quillo-cli: %s\n", error.message.c_str());
+        std::exit(error.exitCode);
+    }
+    return library;
+}
 
 namespace {
 template <class T>

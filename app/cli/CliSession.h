@@ -9,11 +9,14 @@
 #include "engine/MainThread.h"
 
 class Loop;
+class OpenedLibrary;
 class Sound;
 class Track;
 
 struct CliSession {
-    CliSession(const CliContext& context, AudioDriverKind driver);
+    // Launches on the library; when it cannot be opened, prints why and ends
+    // the process with the library's exit status (nothing has changed then).
+    CliSession(const CliContext& context, AudioDriverKind driver, LibraryAccess access);
     ~CliSession();
 
     // Finds an item by name; prints a message with close matches when there is none.
@@ -24,6 +27,10 @@ struct CliSession {
     RunLoopMainThread mainThread;
     std::unique_ptr<AppDelegate> app;
 };
+
+// The library opened for reading only (list, print-loops); prints why and
+// ends the process when it cannot be opened.
+std::unique_ptr<OpenedLibrary> openLibraryForReading(const CliContext& context);
 
 // A one-line progress bar on a terminal; nothing otherwise.
 class ProgressLine {

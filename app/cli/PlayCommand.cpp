@@ -51,8 +51,13 @@ int runPlay(CliContext& context) {
         std::fprintf(stderr, "usage: quillo-cli play loop|track|sound NAME [--seconds S]\n");
         return 2;
     }
-    double seconds = secondsText ? std::atof(secondsText->c_str()) : 0.0;
-    CliSession session(context, AudioDriverKind::Automatic);
+    double seconds = 0.0;
+    if (secondsText) {
+        auto s = CliArgs::seconds("--seconds", *secondsText, 0.0, 86400.0);
+        if (!s) return 2;
+        seconds = *s;
+    }
+    CliSession session(context, AudioDriverKind::Automatic, LibraryAccess::Read);
     AudioController* controller = session.app->audioController();
     StatusLine status;
     std::unique_ptr<LoopplayerMainThreadDelegate> loopBridge;

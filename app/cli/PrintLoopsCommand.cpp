@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "app/cli/CliSession.h"
 #include "app/cli/Commands.h"
 #include "library/content/OpenedLibrary.h"
 #include "library/content/Prepopulator.h"
@@ -13,7 +14,7 @@ int runPrintLoops(CliContext& context) {
         std::fprintf(stderr, "usage: quillo-cli print-loops\n");
         return 2;
     }
-    auto library = OpenedLibrary::open(context.libraryFolder);
+    auto library = openLibraryForReading(context);
     std::string text = Prepopulator::printLoops() + Prepopulator::printTracks();
     std::fwrite(text.data(), 1, text.size(), stdout);
     std::fputc('\n', stdout);

@@ -8,7 +8,9 @@
 #include <chrono>
 #include <cmath>
 #include <csignal>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "app/cli/CliSession.h"
@@ -44,16 +46,16 @@ int runRecord(CliContext& context) {
     const bool noTrim = args.takeFlag("--no-trim");
     double seconds = 0;
     if (secondsText) {
-        char* end = nullptr;
-        seconds = std::strtod(secondsText->c_str(), &end);
-        if (!end || *end || !(seconds > 0)) out.reset();
+        auto s = CliArgs::seconds("--seconds", *secondsText, 0.001, 86400.0);
+        if (!s) return 2;
+        seconds = *s;
     }
     if (!args.error().empty() || !args.rest().empty() || !out || out->empty()) {
         std::fprintf(stderr, "usage: quillo-cli record -o FILE.wav [--seconds S] [--stereo] [--no-trim]\n");
         return 2;
     }
 
-    CliSession session(context, AudioDriverKind::Automatic);
+    CliSession session(context, AudioDriverKind::Automatic, LibraryAccess::Read);
     AppDelegate& app = *session.app;
     AudioController* controller = app.audioController();
     app.recordToStereo = stereo;
@@ -110,7 +112,7 @@ int runRecord(CliContext& context) {
         trimmer->releaseAutotrimmr();
     }
     if (!Filer::renameFileFromPath(scratch, *out)) {
-        std::fprintf(stderr, "quillo-cli: cannot save the recording as %s\n", out->c_str());
+        std::fprintf(stderr, "quillo-cli: cannot save the recording as %s: %s\n", out->c_str(), std::strerror(errno));
         return 1;
     }
     if (noTrim) std::printf("saved %s\n", out->c_str());

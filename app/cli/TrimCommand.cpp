@@ -3,7 +3,9 @@
 // kept before the sound, 100 after it) or, with --export, a captured loop
 // (everything from the first to the last non-zero sample). The result is a
 // 16-bit WAV file with the channel count of IN (mono or stereo).
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "app/cli/Commands.h"
@@ -29,11 +31,26 @@ int runTrim(CliContext& context) {
         return 1;
     }
 
-    // The trimmer works on the scratch recording: put a copy of IN there.
+    // The header alone proves little: the whole file must decode, or there
+    // is nothing to trim (and no output is written).
+    {
+        AudioFileLoaderOperation check(in, AudioStreamDescription{});
+        check.audioReceiverBlock = [](const AudioBufferList*, uint32_t) {};
+        check.start();
+        if (check.error()) {
+            std::fprintf(stderr, "quillo-cli: cannot read %s: %s\n", in.c_str(),
+                         check.error()->localizedDescription.c_str());
+            return 1;
+        }
+    }
+
+    // The trimmer works on the scratch recording (in this process's own
+    // temporary folder): put a copy of IN there.
     const std::string scratch = Filer::pathToTemporaryDocument(Recorder::kScratchFileName);
     Filer::deleteFileAtPath(scratch);
     if (!Filer::copyFile(in, scratch)) {
-        std::fprintf(stderr, "quillo-cli: cannot copy %s to %s\n", in.c_str(), scratch.c_str());
+        std::fprintf(stderr, "quillo-cli: cannot copy %s to %s: %s\n", in.c_str(), scratch.c_str(),
+                     std::strerror(errno));
         return 1;
     }
     const bool stereo = format.mChannelsPerFrame >= 2;
@@ -44,8 +61,20 @@ int runTrim(CliContext& context) {
     trimmer->releaseAutotrimmr();
     Autotrimmer::setRecordToStereoSource(nullptr);
 
+    // The trimmed file must hold exactly the kept frames (a full disk shows here).
+    AudioStreamDescription trimmedFormat{};
+    uint64_t trimmedFrames = 0;
+    if (!AudioFileLoaderOperation::infoForFileAtURL(scratch, &trimmedFormat, &trimmedFrames, &error) ||
+        trimmedFrames != length) {
+        std::fprintf(stderr, "quillo-cli: trimming %s failed: %s\n", in.c_str(),
+                     error.localizedDescription.empty() ? "the trimmed sound could not be written"
+                                                        : error.localizedDescription.c_str());
+        Filer::deleteFileAtPath(scratch);
+        return 1;
+    }
     if (!Filer::renameFileFromPath(scratch, *out)) {
-        std::fprintf(stderr, "quillo-cli: cannot save %s\n", out->c_str());
+        std::fprintf(stderr, "quillo-cli: cannot save %s: %s\n", out->c_str(), std::strerror(errno));
+        Filer::deleteFileAtPath(scratch);
         return 1;
     }
     std::printf("kept frames %u to %u of %llu (%.3f s) in %s\n", start, start + length,

@@ -1,4 +1,5 @@
 // quillo-cli: Quillo's library, players and renderer from the command line.
+#include <QCoreApplication>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -6,6 +7,7 @@
 
 #include "app/LibraryLocation.h"
 #include "app/cli/Commands.h"
+#include "library/util/Log.h"
 
 namespace {
 
@@ -27,12 +29,20 @@ void printUsage(FILE* out) {
     for (const CliCommand& c : kCommands) std::fprintf(out, "  %-40s %s\n", c.usage, c.summary);
     std::fprintf(out,
                  "\noptions:\n  --library DIR   the library folder (default: $QUILLO_LIBRARY or "
-                 "~/.local/share/Quillo)\n");
+                 "~/.local/share/Quillo)\n"
+                 "  --verbose       copy the program's log to standard error (it is always in\n"
+                 "                  $XDG_STATE_HOME/Quillo/quillo.log)\n"
+                 "\nexit status: 0 done; 1 failed (the reason is on standard error); 2 bad usage;\n"
+                 "  70 the library store is unusable; 73 the library cannot be changed (read-only);\n"
+                 "  74 the library could not be saved; 75 another program is changing the library;\n"
+                 "  130/143 interrupted (Ctrl-C, SIGTERM)\n");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Qt's translations and local sockets want an application object.
+    QCoreApplication application(argc, argv);
     CliContext context;
     context.libraryFolder = defaultLibraryFolder();
     int i = 1;
@@ -44,6 +54,8 @@ int main(int argc, char** argv) {
                 return 2;
             }
             context.libraryFolder = argv[++i];
+        } else if (a == "--verbose") {
+            quillo_log::setVerbose(true);
         } else if (a == "-h" || a == "--help" || a == "help") {
             printUsage(stdout);
             return 0;

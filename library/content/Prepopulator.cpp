@@ -9,6 +9,7 @@
 #include "library/CoreDater.h"
 #include "library/patterns/Tacter.h"
 #include "library/text/Localized.h"
+#include "library/text/Utly.h"
 #include "library/util/Log.h"
 
 namespace {
@@ -35,14 +36,39 @@ struct InstrumentEntry {
     int16_t volume;
 };
 
-// A built-in loop: its instruments first, top row first, then the loop.
+// The built-in item of that kind and name, if the library still has it.
+template <class T>
+T* builtInNamed(const char* entity, const std::string& name) {
+    for (ManagedObject* o : CoreDater::shIns().getAllItemsOfEntity(entity)) {
+        auto* item = static_cast<T*>(o);
+        if (item->preloaded() && item->name() == name) return item;
+    }
+    return nullptr;
+}
+
+// A built-in loop: its instruments first, top row first, then the loop. When
+// the library still holds the built-in loop of that name (its sounds were all
+// deleted, and with them its rows), that loop gets its rows back in place, so
+// names stay unique and the tracks that play it play it again. A user item
+// that happens to have the name is left alone; the new loop is numbered.
 void addLoop(const char* name, int16_t bpm, const std::string& folder, std::initializer_list<InstrumentEntry> rows) {
     CoreDater& dater = CoreDater::shIns();
     std::vector<Instrument*> instruments;
     for (const InstrumentEntry& r : rows) {
         instruments.push_back(dater.createInstrumentWithSound(r.sound, Tacter::tacts(r.steps), r.volume));
     }
-    dater.createPreloadedLoop(name, bpm, instruments, folder, localized(Prepopulator::kVelminName));
+    const std::string artist = localized(Prepopulator::kVelminName);
+    if (Loop* loop = builtInNamed<Loop>("Loop", name)) {
+        dater.deleteAllInstrumentsOfLoop(loop);
+        loop->setInstruments(instruments);
+        loop->setBpm(bpm);
+        loop->setArtist(artist);
+        loop->setInFolder(dater.loopFolder(folder));
+        CoreDater::updateDateOfLoop(loop);
+        dater.save();
+        return;
+    }
+    dater.createPreloadedLoop(Utly::changeNameOf("Loop", name), bpm, instruments, folder, artist);
 }
 
 std::string builtinLoops() { return localized(Prepopulator::kFolderNameBuiltinLoops); }
@@ -56,15 +82,31 @@ struct TrackEntry {
 
 // A built-in track: each row plays a loop found by name (a row whose loop is
 // missing still gets made, playing nothing).
+// The rows play the built-in loops of those names (any loop of the name when
+// there is no built-in one). A built-in track of the same name that the
+// library still holds gets these rows in place of its own.
 void addTrack(const char* name, int16_t bpm, int16_t squaresnum, std::initializer_list<TrackEntry> rows) {
     CoreDater& dater = CoreDater::shIns();
     std::vector<TrackLoop*> trackLoops;
     for (const TrackEntry& r : rows) {
-        auto* loop = static_cast<Loop*>(dater.findEntity("Loop", r.loop));
+        Loop* loop = builtInNamed<Loop>("Loop", r.loop);
+        if (!loop) loop = static_cast<Loop*>(dater.findEntity("Loop", r.loop));
         LoopSquares* block = dater.loopSqrsWithSquares(Tacter::tacts(r.squares));
         trackLoops.push_back(dater.createTrackLoopWithLoop(loop, {block}, r.volume, r.color));
     }
-    dater.createPreloadedTrack(name, bpm, squaresnum, trackLoops, localized(Prepopulator::kVelminName));
+    const std::string artist = localized(Prepopulator::kVelminName);
+    if (Track* track = builtInNamed<Track>("Track", name)) {
+        dater.deleteAllTrackLoopsOfTrack(track);
+        track->setTrackloops(trackLoops);
+        track->setBpm(bpm);
+        track->setSquaresnum(squaresnum);
+        track->setArtist(artist);
+        track->setInFolder(dater.trackFolder(localized("Built-in tracks")));
+        CoreDater::updateDateOfTrack(track);
+        dater.save();
+        return;
+    }
+    dater.createPreloadedTrack(Utly::changeNameOf("Track", name), bpm, squaresnum, trackLoops, artist);
 }
 
 }  // namespace

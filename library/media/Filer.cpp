@@ -1,10 +1,14 @@
 #include "library/media/Filer.h"
 
+#include <signal.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 #include <QDir>
 #include <QStandardPaths>
 #include <QString>
+#include <QUrl>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -110,11 +114,57 @@ std::string Filer::resourceDirectory() {
 
 void Filer::setTemporaryDirectory(const std::string& path) { locations().temporary = path; }
 
+namespace {
+
+// Removes this process's scratch folder when the program ends (not in a
+// forked child, whose parent still uses it).
+struct ProcessScratch {
+    std::string path;
+    pid_t owner = 0;
+    ~ProcessScratch() {
+        if (path.empty() || owner != ::getpid()) return;
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+    }
+};
+
+ProcessScratch& processScratch() {
+    static ProcessScratch scratch;
+    return scratch;
+}
+
+// Scratch folders of processes that no longer run (killed, crashed).
+void removeStaleScratchFolders(const fs::path& parent) {
+    std::error_code ec;
+    for (const fs::directory_entry& entry : fs::directory_iterator(parent, ec)) {
+        const std::string name = entry.path().filename().string();
+        char* end = nullptr;
+        const long pid = std::strtol(name.c_str(), &end, 10);
+        if (pid <= 0 || !end || *end != '\0' || pid == ::getpid()) continue;
+        if (::kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH) continue;
+        std::error_code ignored;
+        fs::remove_all(entry.path(), ignored);
+    }
+}
+
+}  // namespace
+
 std::string Filer::temporaryDirectory() {
     std::string dir = locations().temporary;
     if (dir.empty()) {
-        QString base = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
-        dir = QDir(base).filePath(QString("quillo-%1").arg(::getuid())).toStdString();
+        ProcessScratch& scratch = processScratch();
+        if (scratch.owner != ::getpid()) {
+            // First use in this process (or in a forked child): a folder of its own.
+            QString base = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
+            const fs::path parent = QDir(base).filePath(QString("quillo-%1").arg(::getuid())).toStdString();
+            std::error_code ec;
+            fs::create_directories(parent, ec);
+            fs::permissions(parent, fs::perms::owner_all, ec);
+            removeStaleScratchFolders(parent);
+            scratch.path = (parent / std::to_string(::getpid())).string();
+            scratch.owner = ::getpid();
+        }
+        dir = scratch.path;
     }
     std::error_code ec;
     if (!fs::is_directory(dir, ec)) {
@@ -212,10 +262,24 @@ bool Filer::deleteFileAtPath(const std::string& path) {
     return false;
 }
 
+std::string Filer::pathFromUrl(const std::string& url) {
+    if (url.rfind("file:", 0) == 0) {
+        QUrl u(QString::fromStdString(url));
+        return u.isLocalFile() ? u.toLocalFile().toStdString() : std::string();
+    }
+    if (url.find("://") != std::string::npos) return std::string();
+    return url;
+}
+
 bool Filer::deleteFileFromUrl(const std::string& url) {
-    if (!existsAt(url)) return true;
+    const std::string path = pathFromUrl(url);
+    if (path.empty()) {
+        logError("could not remove", url, "", std::make_error_code(std::errc::invalid_argument));
+        return false;
+    }
+    if (!existsAt(path)) return true;
     std::error_code ec;
-    if (!removePath(url, &ec)) {
+    if (!removePath(path, &ec)) {
         logError("could not remove", url, "", ec);
         return false;
     }
@@ -235,7 +299,7 @@ bool Filer::copyFile(const std::string& fromUrl, const std::string& toUrl) {
 }
 
 void Filer::removeTempRecordingsFile() {
-    for (const char* name : {"tempRecording.wav", "tempGlvid.mov", "tempaudvid.mov"}) {
+    for (const char* name : {kTempRecordingName, kTempGlvidName, kTempAudvidName}) {
         std::error_code ignored;
         fs::remove(pathToTemporaryDocument(name), ignored);
     }

@@ -35,10 +35,18 @@ public:
     // which holds in the build tree and in an installed copy alike.
     static void setResourceDirectory(const std::string& path);
     static std::string resourceDirectory();
-    // A per-user folder under the system's temporary location, created when
-    // first asked for.
+    // A folder of this process under the system's temporary location
+    // (quillo-UID/PID), created when first asked for and removed when the
+    // process ends; folders left by processes that died are removed then too.
+    // So two programs never share a scratch file.
     static void setTemporaryDirectory(const std::string& path);
     static std::string temporaryDirectory();
+
+    // The scratch files, all in the temporary folder.
+    static constexpr const char* kTempRecordingName = "tempRecording.wav";
+    static constexpr const char* kTempPhotoName = "tempPhoto.jpg";  // the sound editor's new photo
+    static constexpr const char* kTempGlvidName = "tempGlvid.mov";
+    static constexpr const char* kTempAudvidName = "tempaudvid.mov";
     // The resource NAME.TYPE (whether or not it exists).
     static std::string pathForResource(const std::string& name, const std::string& type);
 
@@ -71,7 +79,11 @@ public:
     // Deleting a path where nothing exists succeeds at once.
     static bool deleteFile(const std::string& name);  // in documents
     static bool deleteFileAtPath(const std::string& path);
+    // A "file://" URL or a plain path.
     static bool deleteFileFromUrl(const std::string& url);
+    // The local path of a "file://" URL (percent escapes decoded); a plain
+    // path is returned as it is. Empty for other URLs.
+    static std::string pathFromUrl(const std::string& url);
     // A copy never replaces: an existing destination makes it fail.
     static bool copyFile(const std::string& fromUrl, const std::string& toUrl);
     // Removes the recording and movie scratch files (not the scratch photo).

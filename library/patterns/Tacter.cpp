@@ -37,7 +37,7 @@ namespace {
 // error, reported as loudly as an out-of-range access would be.
 void requireBlocks(const TrackLoop* t) {
     if (!t || t->squares().empty()) {
-        qlog("Tacter: track loop without square blocks");
+        qlogFatal("Tacter: track loop without square blocks");
         std::abort();
     }
 }

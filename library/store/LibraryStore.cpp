@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <unordered_map>
 
@@ -83,20 +84,60 @@ void LibraryStore::fail(StoreError* error, const std::string& what) const {
                      message + "\"";
 }
 
+namespace {
+
+int tableCount(sqlite3* db) {
+    sqlite3_stmt* q = nullptr;
+    int tables = -1;
+    if (sqlite3_prepare_v2(db, "SELECT count(*) FROM sqlite_master", -1, &q, nullptr) == SQLITE_OK &&
+        sqlite3_step(q) == SQLITE_ROW) {
+        tables = sqlite3_column_int(q, 0);
+    }
+    sqlite3_finalize(q);
+    return tables;
+}
+
+// "file:" URI of a path, for opening a store on read-only media.
+std::string fileUri(const std::string& path) {
+    std::string uri = "file:";
+    for (unsigned char c : path) {
+        if (c == '%' || c == '?' || c == '#' || c < 0x21 || c >= 0x7f) {
+            char hex[4];
+            std::snprintf(hex, sizeof hex, "%%%02X", c);
+            uri += hex;
+        } else {
+            uri += static_cast<char>(c);
+        }
+    }
+    return uri;
+}
+
+}  // namespace
+
 std::unique_ptr<LibraryStore> LibraryStore::open(const std::string& path, StoreError* error) {
+    return open(path, false, error);
+}
+
+std::unique_ptr<LibraryStore> LibraryStore::openReadOnly(const std::string& path, StoreError* error) {
+    return open(path, true, error);
+}
+
+std::unique_ptr<LibraryStore> LibraryStore::open(const std::string& path, bool readOnly, StoreError* error) {
     std::unique_ptr<LibraryStore> store(new LibraryStore());
     store->path_ = path;
+    store->readOnly_ = readOnly;
     struct stat st {};
     bool exists = ::stat(path.c_str(), &st) == 0;
-    if (exists && !S_ISREG(st.st_mode)) {
+    if ((exists && !S_ISREG(st.st_mode)) || (!exists && readOnly)) {
         if (error) {
             error->code = SQLITE_CANTOPEN;
-            error->description = "The library store is not a file";
+            error->description = exists ? "The library store is not a file" : "The library has no store yet";
             error->details = "path = \"" + path + "\"";
         }
         return nullptr;
     }
-    int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (exists ? 0 : SQLITE_OPEN_CREATE);
+    int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX |
+                (exists || readOnly ? 0 : SQLITE_OPEN_CREATE);
     if (sqlite3_open_v2(path.c_str(), &store->db_, flags, nullptr) != SQLITE_OK) {
         store->fail(error, "The library store could not be opened");
         return nullptr;
@@ -106,13 +147,38 @@ std::unique_ptr<LibraryStore> LibraryStore::open(const std::string& path, StoreE
 
     // Everything below only reads until the file has proven to be a store this
     // version understands, so a bad file is left exactly as it was.
-    sqlite3_stmt* q = nullptr;
-    int tables = -1;
-    if (sqlite3_prepare_v2(store->db_, "SELECT count(*) FROM sqlite_master", -1, &q, nullptr) == SQLITE_OK &&
-        sqlite3_step(q) == SQLITE_ROW) {
-        tables = sqlite3_column_int(q, 0);
+    int tables = tableCount(store->db_);
+    if (tables < 0 && readOnly) {
+        // On read-only media SQLite cannot make the shared-memory file that
+        // reading a WAL store needs; nobody can write there, so the file is
+        // read as immutable.
+        sqlite3_close_v2(store->db_);
+        store->db_ = nullptr;
+        const std::string uri = fileUri(path) + "?immutable=1";
+        if (sqlite3_open_v2(uri.c_str(), &store->db_, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX,
+                            nullptr) != SQLITE_OK) {
+            store->fail(error, "The library store could not be opened");
+            return nullptr;
+        }
+        sqlite3_extended_result_codes(store->db_, 1);
+        tables = tableCount(store->db_);
     }
-    sqlite3_finalize(q);
+    if (tables == 0 && !readOnly) {
+        // Two programs may open a new library at once: the schema is made in
+        // a write transaction, after looking again inside it, so only the
+        // first one makes it and the other one reads it.
+        sqlite3_exec(store->db_, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
+        if (sqlite3_exec(store->db_, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK) {
+            store->fail(error, "The library store could not be created");
+            return nullptr;
+        }
+        tables = tableCount(store->db_);
+        if (tables == 0) {
+            if (!store->createSchema(error)) return nullptr;
+        } else {
+            sqlite3_exec(store->db_, "COMMIT", nullptr, nullptr, nullptr);
+        }
+    }
     if (tables < 0) {
         int code = sqlite3_errcode(store->db_);
         store->fail(error, code == SQLITE_NOTADB    ? "The library store is not a database"
@@ -128,9 +194,7 @@ std::unique_ptr<LibraryStore> LibraryStore::open(const std::string& path, StoreE
         sqlite3_finalize(p);
         return v;
     };
-    if (tables == 0) {
-        if (!store->createSchema(error)) return nullptr;
-    } else {
+    if (tables > 0) {
         int appId = pragmaInt("PRAGMA application_id");
         int version = pragmaInt("PRAGMA user_version");
         if (appId != kApplicationId || version < 1) {
@@ -167,7 +231,8 @@ std::unique_ptr<LibraryStore> LibraryStore::open(const std::string& path, StoreE
     // WAL: a commit is one append to the log, and a killed process never leaves
     // a half-written store. NORMAL sync keeps every returned save across a crash
     // of the program; only a power cut can cost the last few.
-    sqlite3_exec(store->db_, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;", nullptr, nullptr, nullptr);
+    if (!readOnly)
+        sqlite3_exec(store->db_, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;", nullptr, nullptr, nullptr);
     return store;
 }
 
@@ -175,7 +240,7 @@ std::unique_ptr<LibraryStore> LibraryStore::openOrExit(const std::string& path) 
     StoreError error;
     auto store = open(path, &error);
     if (!store) {
-        qlog("Unresolved error %s, {%s}", error.description.c_str(), error.details.c_str());
+        qlogFatal("Unresolved error %s, {%s}", error.description.c_str(), error.details.c_str());
         std::exit(70);
     }
     return store;
@@ -188,7 +253,8 @@ LibraryStore::~LibraryStore() {
 }
 
 bool LibraryStore::createSchema(StoreError* error) {
-    std::string sql = std::string("PRAGMA journal_mode=WAL; BEGIN;") + kSchema +
+    // Runs inside the caller's write transaction.
+    std::string sql = std::string(kSchema) +
                       "PRAGMA application_id=" + std::to_string(kApplicationId) +
                       "; PRAGMA user_version=" + std::to_string(kSchemaVersion) + "; COMMIT;";
     if (sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
@@ -344,6 +410,14 @@ bool LibraryStore::deleteRow(Entity e, int64_t id) {
 
 bool LibraryStore::save(StoreError* error) {
     if (!hasChanges()) return true;
+    if (readOnly_) {
+        if (error) {
+            error->code = SQLITE_READONLY;
+            error->description = "The library was opened for reading only";
+            error->details = "path = \"" + path_ + "\"";
+        }
+        return false;
+    }
     if (sqlite3_exec(db_, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK) {
         fail(error, "The library could not be saved");
         return false;

@@ -30,6 +30,9 @@ public:
     // Opens (creating when missing) the store file. On failure returns null and
     // fills *error; the file on disk is left as it was.
     static std::unique_ptr<LibraryStore> open(const std::string& path, StoreError* error);
+    // Opens an existing store for reading only (also on read-only media);
+    // save() then fails. Never creates or changes the file.
+    static std::unique_ptr<LibraryStore> openReadOnly(const std::string& path, StoreError* error);
     // As open(), but a store that cannot be opened is fatal: logs
     // "Unresolved error %@, %@" and ends the process with a non-zero status.
     static std::unique_ptr<LibraryStore> openOrExit(const std::string& path);
@@ -56,6 +59,7 @@ public:
     }
 
     bool save(StoreError* error = nullptr);
+    bool readOnly() const { return readOnly_; }
     bool hasChanges() const { return !dirty_.empty() || !deleted_.empty(); }
     const std::string& path() const { return path_; }
 
@@ -65,6 +69,7 @@ public:
 private:
     friend class ManagedObject;
     LibraryStore() = default;
+    static std::unique_ptr<LibraryStore> open(const std::string& path, bool readOnly, StoreError* error);
     void noteChanged(ManagedObject* o);
     bool load(StoreError* error);
     bool createSchema(StoreError* error);
@@ -76,6 +81,7 @@ private:
 
     std::string path_;
     sqlite3* db_ = nullptr;
+    bool readOnly_ = false;
     int64_t nextId_ = 1;
     std::vector<std::unique_ptr<ManagedObject>> owned_;
     std::vector<ManagedObject*> byEntity_[kEntityCount];

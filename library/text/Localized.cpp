@@ -9,12 +9,13 @@ std::string localized(const char* key) {
     return QCoreApplication::translate("Quillo", key).toStdString();
 }
 
-void installTranslations(const std::string& translationsDir) {
-    if (!QCoreApplication::instance()) return;
+bool installTranslations(const std::string& translationsDir) {
+    if (!QCoreApplication::instance()) return false;
     auto* translator = new QTranslator(QCoreApplication::instance());
     if (translator->load(QLocale(), "quillo", "_", QString::fromStdString(translationsDir))) {
         QCoreApplication::installTranslator(translator);
-    } else {
-        delete translator;
+        return true;
     }
+    delete translator;
+    return false;
 }

@@ -6,6 +6,7 @@
 std::string localized(const char* key);
 inline std::string localized(const std::string& key) { return localized(key.c_str()); }
 
-// Loads the translation for the system's language from the program's
-// translations folder, if one exists.
-void installTranslations(const std::string& translationsDir);
+// Loads the translation for the system's language (quillo_LANG.qm) from the
+// program's translations folder, if one exists; English needs none. Returns
+// whether one was loaded. Needs the application object.
+bool installTranslations(const std::string& translationsDir);

@@ -1,5 +1,8 @@
 // Launching the application on a library, and files handed over by other programs.
+#include <QCoreApplication>
+#include <QLocale>
 #include <QSettings>
+#include <QTranslator>
 #include <filesystem>
 #include <fstream>
 
@@ -7,6 +10,7 @@
 #include "library/CoreDater.h"
 #include "library/media/Filer.h"
 #include "library/model/Model.h"
+#include "tests/app/AppTestSupport.h"
 #include "tests/app/SoundFileWriter.h"
 #include "tests/library/TestStore.h"
 
@@ -87,4 +91,38 @@ TEST_F(AppDelegateTest, HandedOverFilesBecomeNumberedSoundsInImported) {
     EXPECT_EQ(app->handleOpenURL(text), nullptr);
     EXPECT_TRUE(std::filesystem::exists(text));
     EXPECT_EQ(CoreDater::shIns().findSoundWithName("notes"), nullptr);
+}
+
+TEST_F(AppDelegateTest, LaunchLoadsTheTranslationForTheUsersLanguage) {
+    const char* lrelease = "/usr/lib/qt6/bin/lrelease";
+    if (!std::filesystem::exists(lrelease)) GTEST_SKIP() << "no lrelease here (qt6-l10n-tools) to make a translation";
+    QCoreApplication& application = apptest::application();
+    // A German table next to the built-in sounds, as an installed copy has it.
+    const std::string resources = elsewhere.file("share/quillo/sounds");
+    std::filesystem::create_directories(resources);
+    std::filesystem::create_directories(elsewhere.file("share/quillo/translations"));
+    std::ofstream(elsewhere.file("quillo_de.ts"))
+        << "<?xml version=\"1.0\" encoding=\"utf-8\"?><!DOCTYPE TS><TS version=\"2.1\" language=\"de\">"
+           "<context><name>Quillo</name><message><source>Imported</source><translation>Importiert</translation>"
+           "</message></context></TS>";
+    const std::string command = std::string(lrelease) + " -silent " + elsewhere.file("quillo_de.ts") + " -qm " +
+                                elsewhere.file("share/quillo/translations/quillo_de.qm");
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    Filer::setResourceDirectory(resources);
+    QLocale::setDefault(QLocale("de_DE"));
+    auto app = launch();
+    QLocale::setDefault(QLocale::c());
+    Filer::setResourceDirectory("");
+    writeBeat(elsewhere.file("Beat.wav"));
+    Sound* s = app->handleOpenURL(elsewhere.file("Beat.wav"));
+    ASSERT_NE(s, nullptr);
+    EXPECT_EQ(s->inFolder()->name(), "Importiert");
+    // The window's hand-over answer names the sound, or says why not.
+    writeBeat(elsewhere.file("Beat.wav"));
+    EXPECT_EQ(app->importHandedOverFile(elsewhere.file("Beat.wav")), "ok\tBeat 2");
+    EXPECT_EQ(app->importHandedOverFile(elsewhere.file("gone.wav")).rfind("error\tcannot read", 0), 0u);
+    for (QTranslator* t : application.findChildren<QTranslator*>()) {
+        QCoreApplication::removeTranslator(t);
+        delete t;
+    }
 }

@@ -32,6 +32,20 @@ TEST_F(CoreDaterTest, UniqueNamesNumberFromTwoAndLogEachTakenCandidate) {
     EXPECT_EQ(Utly::changeNameOf("Loop", "Beat"), "Beat");  // names are unique per kind only
 }
 
+TEST_F(CoreDaterTest, NamesAreOneLineAndFitTheirFiles) {
+    // Control characters and line separators go; any Unicode white space is blank.
+    EXPECT_EQ(Utly::changeNameOf("Sound", "Be\tat\n\x1b[31m\u2028 one"), "Beat[31m one");
+    EXPECT_EQ(Utly::changeNameOf("Loop", "\u2003\u00a0\u3000"), "Loop");
+    EXPECT_EQ(Utly::deleteBadCharactersFromString("a\nb\x7f"), "ab");
+    // Taken on disk counts as taken; the number still fits in the byte limit,
+    // cut at a character boundary.
+    const std::string wide = std::string(9, 'x') + "\u00e9";  // 11 bytes
+    dater().createRecordedSound(wide, 1, "My sounds");
+    auto onDisk = [](const std::string& name) { return name == "xxxxxxxxx 2"; };
+    EXPECT_EQ(Utly::changeNameOf("Sound", wide, onDisk, 11), "xxxxxxxxx 3");
+    EXPECT_EQ(Utly::changeNameOf("Sound", std::string(20, 'y'), nullptr, 11), std::string(11, 'y'));
+}
+
 TEST_F(CoreDaterTest, CopiesKeepRowsInOrderAndNumberTheirNames) {
     auto& d = dater();
     d.createPreloadedSound("Kick", 57, "Drums", "A");

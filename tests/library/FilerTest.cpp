@@ -2,6 +2,9 @@
 
 #include <QImage>
 #include <QTemporaryDir>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -123,6 +126,11 @@ TEST_F(FilerTest, DeletingSucceedsOnMissingFilesSilently) {
     EXPECT_TRUE(Filer::deleteFileFromUrl(docs_ + "/X.wav"));
     EXPECT_FALSE(fs::exists(docs_ + "/X.wav"));
     EXPECT_EQ(log.lines(), std::vector<std::string>{"file from url " + docs_ + "/X.wav removed"});
+    // A file URL, escapes and all, names the file it points at.
+    writeText(docs_ + "/My take #1.wav", "x");
+    EXPECT_TRUE(Filer::deleteFileFromUrl("file://" + docs_ + "/My%20take%20%231.wav"));
+    EXPECT_FALSE(fs::exists(docs_ + "/My take #1.wav"));
+    EXPECT_FALSE(Filer::deleteFileFromUrl("https://example.org/X.wav"));
 
     for (const char* name : {"tempRecording.wav", "tempGlvid.mov", "tempaudvid.mov", "tempPhoto.jpg"}) {
         writeText(Filer::pathToTemporaryDocument(name), "t");
@@ -176,3 +184,37 @@ TEST_F(FilerTest, PhotoCacheKeepsAnEntryUntilUpdatedOrRemoved) {
 }
 
 }  // namespace
+
+TEST(FilerScratch, EachProcessHasItsOwnScratchFolderAndDeadOnesAreCleared) {
+    QTemporaryDir tmp;
+    ASSERT_TRUE(tmp.isValid());
+    qputenv("TMPDIR", tmp.path().toUtf8());
+    Filer::setTemporaryDirectory("");
+    // A folder left by a process that no longer runs: a child that has exited.
+    pid_t child = fork();
+    if (child == 0) _exit(0);
+    waitpid(child, nullptr, 0);
+    const fs::path parent = tmp.path().toStdString() + "/quillo-" + std::to_string(getuid());
+    fs::create_directories(parent / std::to_string(child));
+    writeText((parent / std::to_string(child) / "tempRecording.wav").string(), "stale");
+
+    // The parent's scratch folder, then a forked child's: different folders.
+    const std::string mine = Filer::temporaryDirectory();
+    EXPECT_EQ(mine, (parent / std::to_string(getpid())).string());
+    EXPECT_FALSE(fs::exists(parent / std::to_string(child)));
+    int fds[2];
+    ASSERT_EQ(pipe(fds), 0);
+    pid_t other = fork();
+    if (other == 0) {
+        const std::string theirs = Filer::pathToTemporaryDocument(Filer::kTempRecordingName);
+        _exit(write(fds[1], theirs.data(), theirs.size()) > 0 ? 0 : 1);
+    }
+    close(fds[1]);
+    char path[4096] = {};
+    ASSERT_GT(read(fds[0], path, sizeof path - 1), 0);
+    close(fds[0]);
+    waitpid(other, nullptr, 0);
+    EXPECT_EQ(std::string(path), (parent / std::to_string(other) / "tempRecording.wav").string());
+    EXPECT_TRUE(fs::is_directory(mine));  // the child's exit does not remove the parent's folder
+    qunsetenv("TMPDIR");
+}

@@ -177,6 +177,39 @@ TEST_F(BuiltInContentTest, ReopeningKeepsTheLibraryAndRefillsOnlyWithoutSounds) 
     EXPECT_FALSE(loopNamed("Mine")->inFolder()->opened());
 }
 
+TEST_F(BuiltInContentTest, RefillGivesTheBuiltInLoopsAndTracksTheirContentBackInPlace) {
+    std::string hotelRows;
+    int64_t hotelId = 0, beatId = 0;
+    {
+        auto library = open();
+        auto* hotel = static_cast<Track*>(dater().findEntity("Track", "Dorn Ashby Hotel"));
+        hotelRows = ::testing::PrintToString(rowsOf(hotel));
+        hotelId = hotel->objectID();
+        beatId = loopNamed("ktbeat 1")->objectID();
+        // The user's own loop and a user copy of a built-in track.
+        dater().createPreloaded(false, "Mine", 120, {dater().createInstrumentWithSound("Kick", 0x8000, 90)}, "My loops",
+                                "Me");
+        dater().createUsersTrackThatCopyOfPreloadedTrack(hotel);
+        for (ManagedObject* o : dater().getAllItemsOfEntity("Sound")) deleteSound(static_cast<Sound*>(o));
+    }
+    auto library = open();
+    EXPECT_TRUE(library->createdBuiltInContent());
+    EXPECT_EQ(countOf("Sound"), 88u);
+    EXPECT_EQ(countOf("Loop"), 19u);  // no second set of built-in loops
+    EXPECT_EQ(countOf("Track"), 3u);
+    EXPECT_EQ(loopNamed("ktbeat 1")->objectID(), beatId);
+    auto* hotel = static_cast<Track*>(dater().findEntity("Track", "Dorn Ashby Hotel"));
+    EXPECT_EQ(hotel->objectID(), hotelId);
+    EXPECT_EQ(::testing::PrintToString(rowsOf(hotel)), hotelRows);
+    for (const TrackLoop* row : hotel->trackloops()) EXPECT_FALSE(row->loop()->instruments().empty());
+    // User items are left as the deletion left them.
+    EXPECT_TRUE(loopNamed("Mine")->instruments().empty());
+    auto* copy = static_cast<Track*>(dater().findEntity("Track", "Dorn Ashby Hotel 2"));
+    ASSERT_NE(copy, nullptr);
+    EXPECT_FALSE(copy->preloaded());
+    EXPECT_EQ(::testing::PrintToString(rowsOf(copy)), hotelRows);  // it plays the refilled loops too
+}
+
 TEST_F(BuiltInContentTest, GeneratorPrintsUserLoopsAndTracksOnly) {
     auto library = open();
     EXPECT_EQ(Prepopulator::printLoops(), "\n\n");

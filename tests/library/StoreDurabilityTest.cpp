@@ -29,19 +29,6 @@ namespace {
     }
 }
 
-std::string integrity(const std::string& path) {
-    sqlite3* db = nullptr;
-    sqlite3_open(path.c_str(), &db);
-    sqlite3_stmt* st = nullptr;
-    std::string verdict = "no answer";
-    if (sqlite3_prepare_v2(db, "PRAGMA integrity_check", -1, &st, nullptr) == SQLITE_OK &&
-        sqlite3_step(st) == SQLITE_ROW)
-        verdict = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
-    sqlite3_finalize(st);
-    sqlite3_close(db);
-    return verdict;
-}
-
 }  // namespace
 
 TEST(StoreDurability, KilledWriterLosesNoReturnedSave) {
@@ -80,4 +67,40 @@ TEST(StoreDurability, KilledWriterLosesNoReturnedSave) {
         next = static_cast<int>(names.size());
     }
     EXPECT_GT(lastAcked, 25) << "the writer barely ran; the test proved little";
+}
+
+TEST(StoreDurability, ANewStoreOpenedByManyProgramsAtOnceIsCreatedOnce) {
+    for (int round = 0; round < 10; ++round) {
+        TempDir dir;
+        const std::string path = dir.file(LibraryStore::kFileName);
+        int go[2];
+        ASSERT_EQ(pipe(go), 0);
+        std::vector<pid_t> children;
+        for (int k = 0; k < 4; ++k) {
+            pid_t pid = fork();
+            ASSERT_GE(pid, 0);
+            if (pid == 0) {
+                close(go[1]);
+                char c;
+                if (read(go[0], &c, 1) != 0) _exit(9);  // all start when the pipe closes
+                StoreError error;
+                auto store = LibraryStore::open(path, &error);
+                if (!store) {
+                    std::fprintf(stderr, "%s\n", error.text().c_str());
+                    _exit(1);
+                }
+                store->insert<Sound>()->setName("from " + std::to_string(k));
+                _exit(store->save() ? 0 : 2);
+            }
+            children.push_back(pid);
+        }
+        close(go[0]);
+        close(go[1]);
+        for (pid_t pid : children) {
+            int status = 0;
+            waitpid(pid, &status, 0);
+            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "round " << round << " status " << status;
+        }
+        EXPECT_EQ(integrity(path), "ok");
+    }
 }

@@ -1,6 +1,7 @@
 #pragma once
 // A real store in a fresh temporary folder, with CoreDater pointed at it.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <filesystem>
 #include <memory>
@@ -27,6 +28,21 @@ public:
 private:
     std::string path_;
 };
+
+// SQLite's own verdict on a store file ("ok" when sound). Opens it for
+// writing, so that a journal left by a killed writer is recovered first.
+inline std::string integrity(const std::string& path) {
+    sqlite3* db = nullptr;
+    sqlite3_open(path.c_str(), &db);
+    sqlite3_stmt* st = nullptr;
+    std::string verdict = "no answer";
+    if (sqlite3_prepare_v2(db, "PRAGMA integrity_check", -1, &st, nullptr) == SQLITE_OK &&
+        sqlite3_step(st) == SQLITE_ROW)
+        verdict = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
+    sqlite3_finalize(st);
+    sqlite3_close(db);
+    return verdict;
+}
 
 class StoreTest : public ::testing::Test {
 protected:
