@@ -1,0 +1,34 @@
+#pragma once
+// A clock for Qt's animations that moves only when told, so that a test or a
+// screenshot sees an animation at an exact moment, however loaded the machine.
+#include <QAnimationDriver>
+#include <QCoreApplication>
+
+namespace quillo::kit {
+
+class ManualAnimationClock : public QAnimationDriver {
+public:
+    // Install after showing a window: Qt Quick's render loop installs a
+    // driver of its own when the first window appears.
+    ~ManualAnimationClock() override {
+        if (isRunning()) uninstall();
+    }
+
+    qint64 elapsed() const override { return m_elapsed; }
+
+    // Advances every running animation by ms, in steps of one 60 Hz frame.
+    void advanceBy(qint64 ms) {
+        const qint64 end = m_elapsed + ms;
+        while (m_elapsed < end) {
+            QCoreApplication::processEvents();  // animations register their start through the event loop
+            m_elapsed = std::min(end, m_elapsed + 16);
+            advance();
+        }
+        QCoreApplication::processEvents();
+    }
+
+private:
+    qint64 m_elapsed = 0;
+};
+
+}  // namespace quillo::kit
