@@ -32,7 +32,9 @@ void LAAdjustView::setCanEnlarge(bool can) {
 void LAAdjustView::setInitialFrame(const QRectF& frame) {
     m_initialFrame = frame;
     emit initialFrameChanged();
-    if (!m_fullscr) setFrame(frame);
+    if (m_fullscr) return;
+    setFrame(frame);
+    setCornerRadius(kDefaultCornerKoeff * frame.width());  // a round control
 }
 
 QRectF LAAdjustView::enlargedFrame() const {

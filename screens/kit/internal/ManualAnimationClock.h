@@ -10,8 +10,13 @@ class ManualAnimationClock : public QAnimationDriver {
 public:
     // Install after showing a window: Qt Quick's render loop installs a
     // driver of its own when the first window appears.
+    void ensureInstalled() {
+        if (m_installed) return;
+        install();
+        m_installed = true;
+    }
     ~ManualAnimationClock() override {
-        if (isRunning()) uninstall();
+        if (m_installed) uninstall();
     }
 
     qint64 elapsed() const override { return m_elapsed; }
@@ -29,6 +34,7 @@ public:
 
 private:
     qint64 m_elapsed = 0;
+    bool m_installed = false;
 };
 
 }  // namespace quillo::kit

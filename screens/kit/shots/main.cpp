@@ -51,7 +51,7 @@ bool render(QQmlEngine& engine, quillo::kit::ManualAnimationClock& clock, const 
     }
     root->setParentItem(window.contentItem());
     window.show();
-    clock.install();
+    clock.ensureInstalled();
     QMetaObject::invokeMethod(root, "setUp", Q_ARG(QVariant, QString::fromLatin1(shot.scene)));
     clock.advanceBy(shot.afterMs);
     QCoreApplication::processEvents();

@@ -58,7 +58,7 @@ public:
         }
         root->setParentItem(window.contentItem());
         window.show();
-        clock.install();
+        clock.ensureInstalled();
         QObject* framr = engine.singletonInstance<QObject*>(qmlTypeId("Quillo.Kit", 1, 0, "Framr"));
         framr->setProperty("window", QVariant::fromValue(&window));
         QCoreApplication::processEvents();
