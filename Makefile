@@ -2,13 +2,14 @@
 #   make run    build, open the default library (built-in content on first run) and play a loop
 #   make test   build and run every test: plain, Address+UB sanitizer, RealtimeSanitizer
 #   make bench  build optimised and run the benchmarks
+#   make screenshots  render the screens offscreen to build/screenshots/*.png
 JOBS ?= $(shell nproc)
 BUILD := build
 ASAN_BUILD := build-asan
 RTSAN_BUILD := build-rtsan
 CTEST := ctest --output-on-failure --timeout 900 -j $(JOBS)
 
-.PHONY: all bootstrap build build-asan build-rtsan run test bench clean
+.PHONY: all bootstrap build build-asan build-rtsan run test bench screenshots clean
 
 all: build
 
@@ -41,6 +42,9 @@ test: build build-asan build-rtsan
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b --benchmark_counters_tabular=true || exit 1; done
+
+screenshots: build
+	@QT_QPA_PLATFORM=offscreen ./$(BUILD)/bin/quillo-kit-shots $(BUILD)/screenshots
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(RTSAN_BUILD)

@@ -8,7 +8,7 @@ Item {
 
     property string image
     property color color: Colorer.mainColor
-    property string accessibleName: image
+    property string accessibleName: Uier.meaningOf(image)
     property real iconSize: Math.min(width, height)
     property real touchMargin: 0
     signal clicked()

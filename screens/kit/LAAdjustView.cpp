@@ -64,6 +64,12 @@ void LAAdjustView::panChanged(double tx, double ty) {
 
 void LAAdjustView::panEnded() { setNowswipe(false); }
 
+void LAAdjustView::nudge(double delta) {
+    setValue(m_value + delta);
+    emit dragged();
+    tellDragged();
+}
+
 void LAAdjustView::pressed() {
     if (m_nowswipe) return;
     if (m_canEnlarge) enlargAdjustView();

@@ -74,6 +74,8 @@ public:
     Q_INVOKABLE void panBegan();
     Q_INVOKABLE void panChanged(double tx, double ty);
     Q_INVOKABLE void panEnded();
+    // Arrow keys on a focused control: one unit up or down, told like a drag step.
+    Q_INVOKABLE void nudge(double delta);
     // A tap: ignored while dragging; enlarges or shrinks when it may, then tells the delegate.
     Q_INVOKABLE void pressed();
     Q_INVOKABLE void enlargAdjustView();

@@ -14,6 +14,11 @@ AnimatedViewItem {
 
     Accessible.role: Accessible.Slider
     Accessible.name: adjuster.label
+    activeFocusOnTab: true
+    Keys.onUpPressed: adjuster.nudge(1)
+    Keys.onRightPressed: adjuster.nudge(1)
+    Keys.onDownPressed: adjuster.nudge(-1)
+    Keys.onLeftPressed: adjuster.nudge(-1)
 
     // The inner circle and everything on it stay centred while the control moves.
     Item {
@@ -67,8 +72,9 @@ AnimatedViewItem {
 
         Text {
             anchors.centerIn: parent
-            width: parent.width * 0.78
-            height: parent.height * 0.6
+            // Clear of the step dot on the rim.
+            width: parent.width * 0.64
+            height: parent.height * 0.5
             text: root.adjuster.label
             color: root.adjuster.titleColor
             font.bold: true
@@ -88,6 +94,9 @@ AnimatedViewItem {
     }
 
     TapHandler {
-        onTapped: root.adjuster.pressed()
+        onTapped: {
+            root.forceActiveFocus()
+            root.adjuster.pressed()
+        }
     }
 }

@@ -1,4 +1,7 @@
 // The kit's QML pieces load and do what the screens rely on.
+#include "export/Framr.h"
+#include "screens/kit/TintedIcon.h"
+#include "screens/kit/VolumeView.h"
 #include "tests/screens/kit/KitScene.h"
 
 using quillo::kit::testing::KitScene;
@@ -29,6 +32,70 @@ Item {
     EXPECT_DOUBLE_EQ(tile->scale(), 1.0);
     QMetaObject::invokeMethod(root, "sound");
     EXPECT_DOUBLE_EQ(tile->scale(), 0.75);
+}
+
+TEST(KitSceneTest, FramesFollowTheWindowWhenItIsResized) {
+    KitScene scene;
+    ASSERT_TRUE(scene.load(R"(
+Item {
+    width: 390; height: 844
+    Rectangle { objectName: "pause"; x: Framr.ffPauseButton.x; y: Framr.ffBottomPanel.y + Framr.ffPauseButton.y
+                width: Framr.ffPauseButton.width; height: width }
+}
+)"));
+    QQuickItem* pause = scene.find("pause");
+    for (QSize size : {QSize(1280, 800), QSize(320, 568)}) {
+        scene.window.resize(size);
+        QCoreApplication::processEvents();
+        EXPECT_DOUBLE_EQ(Framr::scrnWid(), size.width());
+        EXPECT_DOUBLE_EQ(pause->x(), Framr::ffPauseButton().x());
+        EXPECT_DOUBLE_EQ(pause->y(), Framr::ffBottomButtonAtCol(1, false).y());
+        EXPECT_DOUBLE_EQ(pause->x() + pause->width() / 2, size.width() / 2.0);
+    }
+}
+
+TEST(KitSceneTest, ArrowKeysChangeTheFocusedAdjuster) {
+    VolumeView volume;
+    KitScene scene;
+    volume.setInitialFrame({100, 100, 100, 100});
+    volume.setValue(50);
+    ASSERT_TRUE(scene.load("Item { width: 390; height: 844; required property LAAdjustView control\n"
+                           "  LAAdjustViewItem { adjuster: control } }",
+                           {{QStringLiteral("control"), QVariant::fromValue(&volume)}}));
+    volume.setCanEnlarge(false);
+    scene.tap({150, 150});  // a tap focuses it
+    QTest::keyClick(&scene.window, Qt::Key_Up);
+    QTest::keyClick(&scene.window, Qt::Key_Up);
+    QTest::keyClick(&scene.window, Qt::Key_Left);
+    EXPECT_DOUBLE_EQ(volume.value(), 51);
+}
+
+// Every image the screens name exists and is drawn in the colour asked for.
+TEST(KitSceneTest, EveryNamedIconDrawsInTheTint) {
+    const char* names[] = {"addButton", "micButton", "okButton", "cancelButton", "trashButton", "pauseButton",
+                           "playButton", "bigPlayButton", "stopButton", "shareButton", "settingsButton",
+                           "formenu", "backarrow", "addFromListButton", "fileIcon", "filesIcon", "folderIcon",
+                           "cameraButton", "photoGalleryButton", "playButton256", "stopButton256",
+                           "deleteRowButton", "editRowButton", "shareRowButton", "copyRowButton",
+                           "tracksGlobal", "loopsGlobal", "soundsGlobal", "settingsGlobal", "logo",
+                           "pauseButton.png"};
+    const QColor tint(200, 30, 90);
+    for (const char* name : names) {
+        SCOPED_TRACE(name);
+        const QImage image = TintedIcon::render(QString::fromLatin1(name), {48, 48}, tint);
+        ASSERT_FALSE(image.isNull());
+        int inked = 0, offColour = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (c.alpha() < 250) continue;
+                ++inked;
+                if (c.rgb() != tint.rgb()) ++offColour;
+            }
+        EXPECT_GT(inked, 48 * 48 / 20) << "too little drawn";
+        EXPECT_EQ(offColour, 0);
+    }
+    EXPECT_TRUE(TintedIcon::render(QStringLiteral("noSuchIcon"), {48, 48}, tint).isNull());
 }
 
 }  // namespace
