@@ -9,7 +9,6 @@ QtObject {
     readonly property real barButtonSide: 22      // navigation bar buttons
     readonly property real textHeightFactor: 0.6  // label font as a part of its height
     readonly property real minTextPixelSize: 8    // labels shrink to fit down to this
-    readonly property real photoBorderFactor: 0.1 // round photos' border, part of the width
 
     // What an icon means, for screen readers and automation.
     readonly property var _meanings: ({

@@ -23,13 +23,20 @@ public:
 
     // Advances every running animation by ms, in steps of one 60 Hz frame.
     void advanceBy(qint64 ms) {
-        const qint64 end = m_elapsed + ms;
-        while (m_elapsed < end) {
+        for (qint64 left = ms; left > 0;) {
             QCoreApplication::processEvents();  // animations register their start through the event loop
-            m_elapsed = std::min(end, m_elapsed + 16);
+            const qint64 step = std::min<qint64>(16, left);
+            m_elapsed += step;
+            left -= step;
             advance();
         }
         QCoreApplication::processEvents();
+    }
+
+    // Qt's animation timer counts from the moment it starts the driver.
+    void start() override {
+        m_elapsed = 0;
+        QAnimationDriver::start();
     }
 
 private:

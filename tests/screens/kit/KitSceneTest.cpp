@@ -19,6 +19,8 @@ Item {
     Rectangle { id: tile; objectName: "tile"; width: 100; height: 100 }
     function pop() { Kit.Animator.scaleFromZero(tile) }
     function sound() { Kit.Animator.setSmallerSize(tile) }
+    property bool gone: false
+    function hide() { Kit.Animator.scaleToZero(tile, Kit.Animator.choiceButtonTime, function () { gone = true }) }
 }
 )");
     ASSERT_TRUE(root);
@@ -32,6 +34,41 @@ Item {
     EXPECT_DOUBLE_EQ(tile->scale(), 1.0);
     QMetaObject::invokeMethod(root, "sound");
     EXPECT_DOUBLE_EQ(tile->scale(), 0.75);
+
+    QMetaObject::invokeMethod(root, "hide");
+    scene.clock.advanceBy(50);
+    EXPECT_FALSE(root->property("gone").toBool());
+    scene.clock.advanceBy(70);
+    EXPECT_DOUBLE_EQ(tile->scale(), 0.001);
+    EXPECT_TRUE(root->property("gone").toBool()) << "the completion runs when the 0.1 s shrink ends";
+}
+
+TEST(KitSceneTest, ButtonsDarkenAndShrinkWhilePressed) {
+    KitScene scene;
+    ASSERT_TRUE(scene.load(R"(
+Item {
+    width: 390; height: 844
+    property int clicks: 0
+    ColorButton { objectName: "round"; x: 0; y: 0; width: 100; height: 100; baseColor: Qt.rgba(0.5, 0.5, 0.5, 1)
+                  onClicked: parent.clicks++ }
+    ImageButton { objectName: "image"; x: 200; y: 0; width: 100; height: 100; image: "playButton" }
+}
+)"));
+    QQuickItem* round = scene.find("round");
+    EXPECT_DOUBLE_EQ(round->property("radius").toDouble(), 50);
+    scene.press({50, 50});
+    EXPECT_NEAR(round->property("color").value<QColor>().redF(), 0.4, 0.01);
+    scene.release({50, 50});
+    EXPECT_NEAR(round->property("color").value<QColor>().redF(), 0.5, 0.01);
+    EXPECT_EQ(scene.root->property("clicks").toInt(), 1);
+
+    QQuickItem* icon = scene.find("image")->childItems().value(0);
+    ASSERT_TRUE(icon);
+    scene.press({250, 50});
+    EXPECT_DOUBLE_EQ(icon->scale(), 0.8);
+    scene.release({250, 50});
+    EXPECT_DOUBLE_EQ(icon->scale(), 1.0);
+    EXPECT_EQ(scene.find("image")->property("accessibleName").toString(), QStringLiteral("Play"));
 }
 
 TEST(KitSceneTest, FramesFollowTheWindowWhenItIsResized) {
