@@ -18,9 +18,13 @@ AnimatedViewItem {
     readonly property rect cancelPlace: { Framr.revision; return panel.cancelButtonPlace }
     readonly property rect donePlace: { Framr.revision; return panel.doneButtonPlace }
 
+    // How far the view has grown towards its frame: the content shows in the second half.
+    readonly property real grown: panel.frame.width > 0 ? width / panel.frame.width : 1
+
     // Panel content, laid out in screen coordinates, stays put on screen while the circle grows.
     Item {
         id: contentArea
+        opacity: Math.max(0, Math.min(1, (root.grown - 0.5) * 2))
         x: root.width / 2 - Framr.scrnWid / 2
         y: root.height / 2 - Framr.scrnHei / 2
         width: Framr.scrnWid
