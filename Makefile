@@ -46,6 +46,8 @@ screenshots: build
 		XDG_CONFIG_HOME=$(CURDIR)/$(BUILD)/screenshots-runtime/config \
 		XDG_STATE_HOME=$(CURDIR)/$(BUILD)/screenshots-runtime/state \
 		./$(BUILD)/bin/quillo --library $(BUILD)/screenshots-library --screenshot $(BUILD)/screenshots
+	@QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=$(CURDIR)/$(BUILD)/screenshots-runtime \
+		./$(BUILD)/bin/quillo-kit-shots $(BUILD)/screenshots
 
 # The sanitizer trees run first; the plain tree's CTest summary ends the output.
 test: build build-asan build-rtsan
@@ -58,6 +60,7 @@ test: build build-asan build-rtsan
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b --benchmark_counters_tabular=true || exit 1; done
+
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(RTSAN_BUILD)
