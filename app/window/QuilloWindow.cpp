@@ -16,13 +16,20 @@ QuilloWindow::QuilloWindow(WindowOptions options, AudioDriverKind driver) : opti
 }
 
 QuilloWindow::~QuilloWindow() {
+    handoff_.reset();
     engine_.reset();
     shell_.reset();
     app_.reset();
 }
 
 bool QuilloWindow::launch() {
-    app_->didFinishLaunching();  // settings, engine, built-in content, player lists
+    // Settings, engine, built-in content, player lists; the library's writer
+    // lock is taken here and held for the window's life.
+    if (!app_->didFinishLaunching()) {
+        launchError_ = app_->libraryError();
+        if (launchError_.exitCode == 0) launchError_.exitCode = 1;
+        return false;
+    }
 
     engine_ = std::make_unique<QQmlApplicationEngine>();
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
@@ -36,5 +43,11 @@ bool QuilloWindow::launch() {
     }
 
     if (!options_.files.isEmpty()) shell_->importHandedOverFiles(options_.files);
+
+    handoff_ = std::make_unique<HandoffChannel>(app_->applicationDocumentsDirectory(), [this](const std::string& path) {
+        return shell_->importHandedOverFileAnswering(QString::fromStdString(path));
+    });
+    std::string why;
+    if (!handoff_->listen(&why)) qlog("Files handed over by another quillo cannot reach this window: %s", why.c_str());
     return true;
 }

@@ -10,6 +10,7 @@
 #include "app/window/QtMainThread.h"
 #include "app/window/RootScreens.h"
 #include "app/window/WindowOptions.h"
+#include "app/handoff/HandoffChannel.h"
 
 class QQuickWindow;
 
@@ -20,8 +21,10 @@ public:
     QuilloWindow(const QuilloWindow&) = delete;
     QuilloWindow& operator=(const QuilloWindow&) = delete;
 
-    // False when the screens could not be built (the reason is logged).
+    // False when the library cannot be opened for writing (launchError()
+    // says why) or the screens could not be built (the reason is logged).
     bool launch();
+    const LibraryOpenError& launchError() const { return launchError_; }
 
     QQuickWindow* window() const { return window_; }
     RootScreens* rootScreens() const { return shell_.get(); }
@@ -32,6 +35,9 @@ private:
     QtMainThread mainThread_;
     std::unique_ptr<AppDelegate> app_;
     std::unique_ptr<RootScreens> shell_;
+    // Files that a second quillo hands to this window (it holds the library).
+    std::unique_ptr<HandoffChannel> handoff_;
+    LibraryOpenError launchError_;
     // Declared last so that it goes first: the screens stop their players
     // while the application object still exists.
     std::unique_ptr<QQmlApplicationEngine> engine_;

@@ -27,17 +27,30 @@ void RootScreens::setSideMenuOpen(bool open) {
     emit sideMenuOpenChanged();
 }
 
-int RootScreens::importHandedOverFiles(const QStringList& paths) {
+int RootScreens::importHandedOverFiles(const QStringList& paths) { return importFiles(paths, nullptr); }
+
+std::string RootScreens::importHandedOverFileAnswering(const QString& path) {
+    std::vector<std::string> answers;
+    importFiles(QStringList{path}, &answers);
+    return answers.empty() ? std::string("error\tQuillo is not ready") : answers.front();
+}
+
+int RootScreens::importFiles(const QStringList& paths, std::vector<std::string>* answers) {
     int imported = 0;
     QStringList names, refused;
+    QString reason;
     for (const QString& path : paths) {
         const QString shown = QFileInfo(path).fileName();
-        Sound* sound = app_ ? app_->handleOpenURL(QFileInfo(path).absoluteFilePath().toStdString()) : nullptr;
-        if (sound) {
+        const std::string absolute = QFileInfo(path).absoluteFilePath().toStdString();
+        if (!app_) continue;
+        const std::string answer = app_->importHandedOverFile(absolute);
+        if (answers) answers->push_back(answer);
+        if (answer.rfind("ok\t", 0) == 0) {
             ++imported;
-            names << QString::fromStdString(sound->name());
+            names << QString::fromStdString(answer.substr(3));
         } else {
             refused << shown;
+            reason = QString::fromStdString(answer.substr(answer.find('\t') + 1));
         }
     }
     if (!names.isEmpty()) {
@@ -46,7 +59,7 @@ int RootScreens::importHandedOverFiles(const QStringList& paths) {
                                        : QStringLiteral("%1 sounds added to %2").arg(names.size()).arg(into));
     }
     if (!refused.isEmpty()) {
-        emit message(refused.size() == 1 ? QStringLiteral("\u201C%1\u201D is not a sound Quillo can open").arg(refused.first())
+        emit message(refused.size() == 1 ? QStringLiteral("\u201C%1\u201D was not added: %2").arg(refused.first(), reason)
                                          : QStringLiteral("%1 files are not sounds Quillo can open").arg(refused.size()));
     }
     if (imported > 0) emit soundsImported(imported);

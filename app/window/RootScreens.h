@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
+#include <string>
+#include <vector>
 
 class AppDelegate;
 
@@ -54,6 +56,10 @@ public:
     // the library; a file that is not a sound is left where it is. Says what
     // happened through `message`. Returns how many were imported.
     Q_INVOKABLE int importHandedOverFiles(const QStringList& paths);
+    // The same for one file handed over by another quillo through the
+    // library's local socket; returns the answer line for that program
+    // ("ok<TAB>NAME" or "error<TAB>MESSAGE").
+    std::string importHandedOverFileAnswering(const QString& path);
     // Files dropped on the window; anything that is not a local file is ignored.
     Q_INVOKABLE int importDroppedUrls(const QList<QUrl>& urls);
 
@@ -64,6 +70,9 @@ signals:
     void soundsImported(int count);
 
 private:
+    // Imports in order; each file's answer line goes to `answers` when given.
+    int importFiles(const QStringList& paths, std::vector<std::string>* answers);
+
     AppDelegate* app_;
     NavBarAppearance appearance_;
     bool sideMenuOpen_ = false;

@@ -4,13 +4,46 @@
 #include <QtQml/qqmlextensionplugin.h>
 #include <cstdio>
 
-#include "app/window/LogRoute.h"
+#include <QFileInfo>
+
+#include "app/LibraryLocation.h"
+#include "app/handoff/HandoffChannel.h"
+#include "library/util/Log.h"
 #include "app/window/QuilloWindow.h"
 #include "app/window/ScreenshotRunner.h"
 #include "app/window/WindowScreenshots.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
+
+namespace {
+
+// Hands every file to the window that holds the library. Returns -1 when no
+// window serves it (this program then opens the library itself), else the
+// exit status: 0 when every file was imported.
+int handFilesToRunningWindow(const std::string& folder, const QStringList& files) {
+    int status = -1;
+    for (const QString& file : files) {
+        const std::string path = QFileInfo(file).absoluteFilePath().toStdString();
+        const HandoffReply reply = HandoffChannel::sendFileToLibraryHolder(folder, path);
+        if (!reply.delivered) {
+            if (status < 0) return -1;
+            std::fprintf(stderr, "quillo: %s: the Quillo window did not answer\n", qPrintable(file));
+            status = 1;
+            continue;
+        }
+        if (status < 0) status = 0;
+        if (reply.imported) {
+            std::printf("%s\n", reply.text.c_str());
+        } else {
+            std::fprintf(stderr, "quillo: %s: %s\n", qPrintable(file), reply.text.c_str());
+            status = 1;
+        }
+    }
+    return status;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
@@ -32,10 +65,21 @@ int main(int argc, char** argv) {
         case WindowArguments::Run:
             break;
     }
-    routeLogToFile(options.verbose);
+    quillo_log::setVerbose(options.verbose);
+
+    // A window already open on this library takes the files itself.
+    if (!options.files.isEmpty()) {
+        const std::string folder =
+            options.libraryFolder.isEmpty() ? defaultLibraryFolder() : options.libraryFolder.toStdString();
+        if (int status = handFilesToRunningWindow(folder, options.files); status >= 0) return status;
+    }
 
     QuilloWindow window(options);
-    if (!window.launch()) return 1;
+    if (!window.launch()) {
+        const LibraryOpenError& error = window.launchError();
+        if (!error.message.empty()) std::fprintf(stderr, "quillo: %s\n", error.message.c_str());
+        return error.exitCode != 0 ? error.exitCode : 1;
+    }
 
     if (!options.screenshotDir.isEmpty()) {
         ScreenshotRunner runner;

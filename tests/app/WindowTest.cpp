@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
@@ -119,6 +120,54 @@ TEST_F(WindowTest, StartsOnTheLoopsListAndImportsTheFilesGivenToIt) {
                   {QUrl("https://example.org/Beat.wav"), QUrl::fromLocalFile(QString::fromStdString(handed))}),
               1);
     EXPECT_NE(CoreDater::shIns().findSoundWithName("Beat 2"), nullptr);
+}
+
+// A second quillo on the same library: its files go to this window (which
+// holds the library's writer lock and imports them); without files it says
+// the library is busy instead of opening it twice.
+TEST_F(WindowTest, ASecondQuilloHandsItsFilesToTheWindowThatHoldsTheLibrary) {
+    launch();
+    QSignalSpy messages(quillo->rootScreens(), &RootScreens::message);
+    auto runSecond = [&](QStringList args, QString* out, QString* err) {
+        QProcess second;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("QT_QPA_PLATFORM", "offscreen");
+        env.insert("QUILLO_AUDIO", "null");
+        env.insert("QUILLO_LOCK_WAIT", "0.5");
+        env.insert("XDG_STATE_HOME", QString::fromStdString(elsewhere.path()));
+        second.setProcessEnvironment(env);
+        second.start(QStringLiteral(QUILLO_PATH),
+                     QStringList{"--library", QString::fromStdString(library.path())} + args);
+        EXPECT_TRUE(second.waitForStarted());
+        // The window answers from this event loop, so wait without blocking it.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 60000));
+        *out = QString::fromUtf8(second.readAllStandardOutput());
+        *err = QString::fromUtf8(second.readAllStandardError());
+        return second.exitCode();
+    };
+
+    const std::string handed = elsewhere.file("Beat.wav");
+    writeBeat(handed);
+    QString out, err;
+    EXPECT_EQ(runSecond({QString::fromStdString(handed)}, &out, &err), 0) << err.toStdString();
+    EXPECT_EQ(out.trimmed(), "Beat");
+    Sound* beat = CoreDater::shIns().findSoundWithName("Beat");
+    ASSERT_NE(beat, nullptr);
+    EXPECT_EQ(beat->inFolder()->name(), "Imported");
+    EXPECT_FALSE(std::filesystem::exists(handed));
+    ASSERT_GE(messages.count(), 1);
+    EXPECT_TRUE(messages.last().at(0).toString().contains("Beat"));
+
+    // A file that is not a sound: refused by the window, reported by the second program.
+    const std::string notSound = elsewhere.file("notes.wav");
+    std::ofstream(notSound) << "not a sound";
+    EXPECT_EQ(runSecond({QString::fromStdString(notSound)}, &out, &err), 1);
+    EXPECT_FALSE(err.isEmpty());
+    EXPECT_TRUE(std::filesystem::exists(notSound));
+
+    // No files: the library is this window's; the second program does not open it.
+    EXPECT_EQ(runSecond({}, &out, &err), 75) << err.toStdString();
+    EXPECT_TRUE(err.contains("quillo")) << err.toStdString();
 }
 
 TEST_F(WindowTest, SideMenuOpensByButtonAndEdgeDragAndClosesByEscapeAndTap) {
