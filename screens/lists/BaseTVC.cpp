@@ -108,13 +108,13 @@ void BaseTVC::playItemPressed(int row) {
     if (startPlayingItem(item)) setPlayingRow(row);
 }
 
-void BaseTVC::swipeButtonTapped(int row, int index, int side) {
+void BaseTVC::swipeButtonTapped(int row, int index, int side, const QRectF& origin) {
     const ListRow* r = m_rows.rowAt(row);
     if (!r) return;
     const QStringList& buttons = side == kRightSide ? r->rightButtons : r->leftButtons;
     if (index < 0 || index >= buttons.size()) return;  // the row has no such button
     if (side == kRightSide && index == 0) deleteItemAtRow(row);
-    else if (side == kRightSide && index == 1 && r->isFolder) editFolderAtRow(row);
+    else if (side == kRightSide && index == 1 && r->isFolder) editFolderAtRow(row, origin);
     else if (side == kLeftSide && index == 0) shareItemAtRow(row);
     else if (side == kLeftSide && index == 1) copyItemAtRow(row);
 }

@@ -48,8 +48,9 @@ public:
     Q_INVOKABLE void didSelectRow(int row);
     // A row's play button: starts that item, or stops it when it is the one playing.
     Q_INVOKABLE void playItemPressed(int row);
-    // A swipe button: side kLeftSide or kRightSide, index from 0 as the row lists them.
-    Q_INVOKABLE void swipeButtonTapped(int row, int index, int side);
+    // A swipe button: side kLeftSide or kRightSide, index from 0 as the row
+    // lists them; `origin` is where a panel opened by it grows from (on screen).
+    Q_INVOKABLE void swipeButtonTapped(int row, int index, int side, const QRectF& origin = {});
     Q_INVOKABLE void addButtonTapped();
     Q_INVOKABLE void menuButtonTapped();
     Q_INVOKABLE void stopPlaying();

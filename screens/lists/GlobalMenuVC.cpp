@@ -44,15 +44,13 @@ int GlobalMenuVC::selectedRow() const {
 
 bool GlobalMenuVC::isAvailable(int row) const { return row >= 0 && row < kRows; }
 
-QVariantMap GlobalMenuVC::settingsRow() const {
-    return {{QStringLiteral("text"), QString::fromStdString(localized("Settings"))},
-            {QStringLiteral("icon"), QStringLiteral("settingsGlobal")},
-            {QStringLiteral("available"), QFile::exists(QString::fromLatin1(kSettingsUrl).mid(3))}};
-}
+QString GlobalMenuVC::settingsText() const { return QString::fromStdString(localized("Settings")); }
+
+bool GlobalMenuVC::settingsAvailable() const { return QFile::exists(QString::fromLatin1(kSettingsUrl).mid(3)); }
 
 void GlobalMenuVC::didSelectSettings() {
     if (selectedRow() < 0) return;  // already the settings (or another non-list) screen
-    if (!QFile::exists(QString::fromLatin1(kSettingsUrl).mid(3))) {
+    if (!settingsAvailable()) {
         qlog("no screen at %s yet", kSettingsUrl);
         return;
     }

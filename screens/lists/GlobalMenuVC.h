@@ -18,9 +18,11 @@ class GlobalMenuVC : public QObject {
     Q_PROPERTY(QString topScreenKind READ topScreenKind WRITE setTopScreenKind NOTIFY selectedRowChanged)
     // 0 tracks, 1 loops, 2 sounds; -1 when another screen is on top.
     Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectedRowChanged)
-    // The second section's one row, the settings screen: "text", "icon", "available".
-    // Marked whenever no list is on top.
-    Q_PROPERTY(QVariantMap settingsRow READ settingsRow CONSTANT)
+    // The second section's one row, the settings screen, shown once it is
+    // part of the program; marked whenever no list is on top.
+    Q_PROPERTY(QString settingsText READ settingsText CONSTANT)
+    Q_PROPERTY(QString settingsIcon READ settingsIcon CONSTANT)
+    Q_PROPERTY(bool settingsAvailable READ settingsAvailable CONSTANT)
 
 public:
     // The settings screen lives with the export screen; the menu shows its row once it is linked.
@@ -39,7 +41,9 @@ public:
     // otherwise stops all playing audio and emits showList with the list's kind.
     Q_INVOKABLE void didSelectRow(int row);
 
-    QVariantMap settingsRow() const;
+    QString settingsText() const;
+    QString settingsIcon() const { return QStringLiteral("settingsGlobal"); }
+    bool settingsAvailable() const;
     // The settings row: silences everything and asks the window to show the settings screen.
     Q_INVOKABLE void didSelectSettings();
 

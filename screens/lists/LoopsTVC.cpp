@@ -5,7 +5,7 @@
 #include "library/palette/Colorer.h"
 #include "library/text/Localized.h"
 #include "playback/Loopplayer.h"
-#include "screens/lists/ColorerQml.h"
+#include "screens/kit/KitColorer.h"
 #include "screens/lists/internal/LibraryItems.h"
 
 LoopsTVC::LoopsTVC(QObject* parent) : BaseTVC(QStringLiteral("LoopFolder"), "Loops", parent) {
@@ -20,8 +20,8 @@ void LoopsTVC::fillItemRow(ListRow& row, ManagedObject* item) const {
     auto* loop = static_cast<Loop*>(item);
     for (Instrument* instrument : loop->instruments()) {
         Sound* sound = instrument->sound();
-        row.tileColors.push_back(sound ? ColorerQml::toQColor(Colorer::colorForNumber(sound->color()))
-                                       : ColorerQml::toQColor(Colorer::grayColor()));
+        row.tileColors.push_back(sound ? toQColor(Colorer::colorForNumber(sound->color()))
+                                       : toQColor(Colorer::grayColor()));
     }
     // Every loop shows all its slots; the empty ones are transparent.
     while (row.tileColors.size() < Loopplayer::kSlots) row.tileColors.push_back(QColor(Qt::transparent));

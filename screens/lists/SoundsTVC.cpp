@@ -10,7 +10,7 @@
 #include "library/model/Model.h"
 #include "library/palette/Colorer.h"
 #include "library/util/Log.h"
-#include "screens/lists/ColorerQml.h"
+#include "screens/kit/KitColorer.h"
 
 SoundsTVC::SoundsTVC(QObject* parent) : BaseTVC(QStringLiteral("SoundFolder"), "Sounds", parent) {
     setItemsAndReloadTable();
@@ -30,7 +30,7 @@ SoundsTVC::~SoundsTVC() {
 }
 
 void SoundsTVC::fillItemRow(ListRow& row, ManagedObject* item) const {
-    row.dotColor = ColorerQml::toQColor(Colorer::colorForNumber(static_cast<Sound*>(item)->color()));
+    row.dotColor = toQColor(Colorer::colorForNumber(static_cast<Sound*>(item)->color()));
 }
 
 bool SoundsTVC::startPlayingItem(ManagedObject* item) {
