@@ -15,32 +15,38 @@ ListView {
     readonly property real rowHeight: Kit.Framr.heightForUsualCell
 
     model: controller.rows
+
+    // Shows a row's swipe buttons on one side (0 left, 1 right), as a swipe would.
+    function openSwipe(row, side) {
+        const item = itemAtIndex(row) as SwipeDelegate
+        if (item) item.swipe.open(side === 0 ? SwipeDelegate.Left : SwipeDelegate.Right)
+    }
     boundsBehavior: Flickable.StopAtBounds
     clip: true
     ScrollIndicator.vertical: ScrollIndicator {}
 
-    // One swipe button: a square of the row's height with the icon inset by 10.
-    component SwipeButton: AbstractButton {
+    // One swipe button: a square of the row's height with the icon inset by
+    // 10. The row takes the touches; it tells its buttons through the
+    // attached SwipeDelegate signals.
+    component SwipeButton: Rectangle {
         id: button
         property string image
-        property int side
-        property int buttonIndex
-        property int row
+        signal tapped()
         height: table.rowHeight
         width: table.rowHeight
-        focusPolicy: Qt.NoFocus
+        Accessible.role: Accessible.Button
         Accessible.name: Kit.Uier.meaningOf(image)
-        background: Rectangle {
-            color: button.image === "deleteRowButton" ? Kit.Colorer.redColor
-                 : Qt.rgba(Kit.Colorer.mainColor.r, Kit.Colorer.mainColor.g, Kit.Colorer.mainColor.b,
-                           button.image === "copyRowButton" ? 0.8 : 1.0)
-            opacity: button.pressed ? 0.8 : 1.0
-        }
-        contentItem: Kit.TintedIcon {
+        color: image === "deleteRowButton" ? Kit.Colorer.redColor
+             : Qt.rgba(Kit.Colorer.mainColor.r, Kit.Colorer.mainColor.g, Kit.Colorer.mainColor.b,
+                       image === "copyRowButton" ? 0.8 : 1.0)
+        opacity: SwipeDelegate.pressed ? 0.8 : 1.0
+        SwipeDelegate.onClicked: button.tapped()
+        Kit.TintedIcon {
+            anchors.fill: parent
+            anchors.margins: 10 + table.rowHeight * 0.1
             name: button.image
             color: Kit.Colorer.backgColor
         }
-        padding: 10 + table.rowHeight * 0.1
     }
 
     // What a row shows; it moves with the row while the row is swiped.
@@ -121,7 +127,7 @@ ListView {
                 contentItem: Item {}
             }
             Text {
-                readonly property rect frame: Kit.Framr.ffItemCellNameOrAuthor(false)
+                readonly property rect frame: { Kit.Framr.revision; return Kit.Framr.ffItemCellNameOrAuthor(false) }
                 x: frame.x; y: frame.y; width: frame.width; height: frame.height
                 verticalAlignment: Text.AlignBottom
                 text: content.name
@@ -131,7 +137,7 @@ ListView {
                 color: content.playing ? Kit.Colorer.mainColor : Kit.Colorer.darkGreyBlueColor
             }
             Text {
-                readonly property rect frame: Kit.Framr.ffItemCellNameOrAuthor(true)
+                readonly property rect frame: { Kit.Framr.revision; return Kit.Framr.ffItemCellNameOrAuthor(true) }
                 x: frame.x; y: frame.y; width: frame.width; height: frame.height
                 verticalAlignment: Text.AlignTop
                 text: content.author
@@ -146,7 +152,7 @@ ListView {
                 Rectangle {
                     required property int index
                     required property color modelData
-                    readonly property rect frame: Kit.Framr.ffLoopCellColor(index)
+                    readonly property rect frame: { Kit.Framr.revision; return Kit.Framr.ffLoopCellColor(index) }
                     x: frame.x; y: frame.y; width: frame.width; height: frame.height
                     radius: width * 0.3
                     color: modelData.a > 0 ? modelData
@@ -217,7 +223,6 @@ ListView {
         swipe.left: Row {
             objectName: "leftButtons"
             height: row.height
-            anchors.left: parent.left
             Repeater {
                 model: row.leftButtons
                 delegate: SwipeButton {
@@ -225,14 +230,14 @@ ListView {
                     required property string modelData
                     objectName: modelData
                     image: modelData
-                    onClicked: row.tapSwipeButton(0, index, Qt.rect(0, 0, 0, 0))
+                    onTapped: row.tapSwipeButton(0, index, Qt.rect(0, 0, 0, 0))
                 }
             }
         }
         swipe.right: Row {
             objectName: "rightButtons"
             height: row.height
-            anchors.right: parent.right
+            x: row.width - width
             Repeater {
                 model: row.rightButtons
                 delegate: SwipeButton {
@@ -240,7 +245,7 @@ ListView {
                     required property string modelData
                     objectName: modelData
                     image: modelData
-                    onClicked: {
+                    onTapped: {
                         const f = Kit.Framr.ffFolderCellFolderImg
                         const icon = row.mapToItem(null, f.x, f.y, f.width, f.height)
                         row.tapSwipeButton(1, index, Qt.rect(icon.x, icon.y, icon.width, icon.height))

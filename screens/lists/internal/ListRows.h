@@ -20,7 +20,7 @@ struct ListRow {
     int itemCount = 0;               // folders only
     bool playing = false;            // items only
     QList<QColor> tileColors;        // loops: one per slot, transparent where the slot is empty
-    QColor dotColor;                 // sounds: the sound's colour
+    QColor dotColor = Qt::transparent;  // sounds: the sound's colour
     QString detail;                  // tracks: the length, "m:ss"
     QStringList rightButtons;        // swipe buttons (icon names) on the right side, index 0 first
     QStringList leftButtons;         // and on the left side

@@ -124,6 +124,10 @@ Rectangle {
         visible: root.chooser.adding
         horizontalAlignment: Text.AlignHCenter
         Accessible.name: qsTr("Folder name")
+        background: Rectangle {
+            radius: height / 2
+            color: Kit.Colorer.backgColor
+        }
     }
 
     PanelButton {

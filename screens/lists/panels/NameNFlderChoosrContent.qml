@@ -38,6 +38,10 @@ Item {
         text: root.panel.name
         horizontalAlignment: Text.AlignHCenter
         Accessible.name: qsTr("Name")
+        background: Rectangle {
+            radius: height / 2
+            color: Kit.Colorer.backgColor
+        }
         onTextEdited: root.panel.typedText = text
         onActiveFocusChanged: {
             if (activeFocus) root.panel.beginEditingName()

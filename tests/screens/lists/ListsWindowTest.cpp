@@ -140,8 +140,11 @@ TEST_F(ListsWindowTest, SwipingAUserLoopOpenAndTappingDeleteRemovesItFromTheStor
     QTest::mouseRelease(window, Qt::LeftButton, {}, start - QPoint(200, 0), 16);
     QQuickItem* remove = findItem(item, "deleteRowButton");
     ASSERT_NE(remove, nullptr);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return remove->isVisible() && item->property("swipe").isValid(); }, 2000));
-    QTest::qWait(400);  // the row settles open
+    QObject* swipe = item->property("swipe").value<QObject*>();
+    ASSERT_NE(swipe, nullptr);
+    // The row settles open with its buttons showing.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return swipe->property("complete").toBool(); }, 2000));
+    QTest::qWait(100);
     QTest::mouseClick(window, Qt::LeftButton, {}, centerOf(remove));
 
     EXPECT_EQ(rowNamed(loops, name), -1);
