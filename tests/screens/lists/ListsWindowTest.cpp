@@ -151,6 +151,17 @@ TEST_F(ListsWindowTest, SwipingAUserLoopOpenAndTappingDeleteRemovesItFromTheStor
     EXPECT_EQ(dater.findEntity("Loop", name.toStdString()), nullptr);
 }
 
+TEST_F(ListsWindowTest, ASoundImportedWhileTheSoundsListIsOnTopShowsAtOnce) {
+    showList(2);
+    auto* sounds = list<SoundsTVC>();
+    ASSERT_NE(sounds, nullptr);
+    CoreDater::shIns().createRecordedSound("Doorbell", 10, "Imported");
+    CoreDater::shIns().save();
+    EXPECT_EQ(rowNamed(sounds, "Doorbell"), -1);
+    quillo->app()->reloadSoundsList();
+    EXPECT_GE(rowNamed(sounds, "Doorbell"), 0);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
