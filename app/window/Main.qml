@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Quillo.Kit
 import Quillo.Lists
 import Quillo.App
 
@@ -19,12 +20,19 @@ ApplicationWindow {
     visible: true
     color: Colorer.darkGreyBlueColor
 
+    // A new list of the kind becomes the only screen.
     function showList(typeOfItems) {
-        // Only the loops list is part of the window so far.
-        if (typeOfItems === "LoopFolder")
-            stack.replace(null, loopsList);
-        window.shell.resetTopView();
+        const list = typeOfItems === "TrackFolder" ? tracksList
+                   : typeOfItems === "SoundFolder" ? soundsList : loopsList
+        stack.replace(null, list)
+        window.shell.resetTopView()
     }
+    function showScreen(url) {
+        stack.replace(null, url)
+        window.shell.resetTopView()
+    }
+
+    Component.onCompleted: Framr.window = window
 
     Shortcut {
         sequence: "Escape"
@@ -48,6 +56,7 @@ ApplicationWindow {
             anchors.fill: parent
             topScreenKind: window.topScreen ? window.topScreen.typeOfItems : ""
             onShowList: (kind) => window.showList(kind)
+            onShowScreen: (url) => window.showScreen(url)
         }
 
         Rectangle {
@@ -65,7 +74,9 @@ ApplicationWindow {
             titleColor: window.shell.navTitleColor
             title: window.topScreen ? window.topScreen.title : ""
             leftButton: window.topScreen ? window.topScreen.leftBarButton : ""
+            rightButton: window.topScreen ? window.topScreen.rightBarButton : ""
             onLeftButtonTapped: if (window.topScreen) window.topScreen.leftBarButtonTapped()
+            onRightButtonTapped: if (window.topScreen) window.topScreen.rightBarButtonTapped()
         }
 
         StackView {
@@ -83,6 +94,18 @@ ApplicationWindow {
         id: loopsList
         LoopsView {
             objectName: "loopsList"
+        }
+    }
+    Component {
+        id: tracksList
+        TracksView {
+            objectName: "tracksList"
+        }
+    }
+    Component {
+        id: soundsList
+        SoundsView {
+            objectName: "soundsList"
         }
     }
 
@@ -109,6 +132,7 @@ ApplicationWindow {
     Connections {
         target: window.topScreen
         function onMenuRequested() { window.shell.anchorTopViewToRight(); }
+        function onPushRequested(url, properties) { stack.push(url, properties); }
     }
 
     Connections {

@@ -1,16 +1,19 @@
 import QtQuick
+import Quillo.Kit as Kit
 
-// The navigation bar: an opaque bar with the top screen's title and its left button.
+// The navigation bar: an opaque bar with the top screen's title and its buttons.
 Rectangle {
     id: bar
 
     property string title
     property string leftButton
+    property string rightButton
     property color titleColor: "white"
 
     signal leftButtonTapped()
+    signal rightButtonTapped()
 
-    implicitHeight: 52
+    implicitHeight: Kit.Framr.navBarHei + 8
 
     Text {
         anchors.centerIn: parent
@@ -24,15 +27,26 @@ Rectangle {
         Accessible.role: Accessible.TitleBar
     }
 
-    BarButton {
+    Kit.BarButton {
         objectName: "leftBarButton"
         anchors.left: parent.left
-        anchors.leftMargin: 8
+        anchors.leftMargin: 16
         anchors.verticalCenter: parent.verticalCenter
         visible: bar.leftButton !== ""
-        iconName: bar.leftButton
-        tint: bar.titleColor
-        Accessible.name: bar.leftButton === "formenu" ? qsTr("Menu") : qsTr("Back")
+        image: bar.leftButton
+        color: bar.titleColor
+        accessibleName: bar.leftButton === "formenu" ? qsTr("Menu") : qsTr("Back")
         onClicked: bar.leftButtonTapped()
+    }
+
+    Kit.BarButton {
+        objectName: "rightBarButton"
+        anchors.right: parent.right
+        anchors.rightMargin: 16
+        anchors.verticalCenter: parent.verticalCenter
+        visible: bar.rightButton !== ""
+        image: bar.rightButton
+        color: bar.titleColor
+        onClicked: bar.rightButtonTapped()
     }
 }

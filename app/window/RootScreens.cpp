@@ -6,15 +6,15 @@
 #include "library/model/Model.h"
 #include "library/palette/Colorer.h"
 #include "library/text/Localized.h"
-#include "screens/lists/ColorerQml.h"
+#include "screens/kit/KitColorer.h"
 
 RootScreens::RootScreens(AppDelegate* app, QObject* parent)
     : QObject(parent), app_(app), appearance_(customNavBarAppearance()) {}
 
 NavBarAppearance RootScreens::customNavBarAppearance() {
     NavBarAppearance a;
-    a.backgroundColor = ColorerQml::toQColor(Colorer::barColor());
-    a.titleColor = ColorerQml::toQColor(Colorer::backgColor());
+    a.backgroundColor = toQColor(Colorer::barColor());
+    a.titleColor = toQColor(Colorer::backgColor());
     a.largeTitleColor = a.titleColor;
     a.barTintColor = a.backgroundColor;
     a.translucent = false;

@@ -12,9 +12,11 @@
 #include "app/window/QuilloWindow.h"
 #include "app/window/ScreenshotRunner.h"
 #include "app/window/WindowScreenshots.h"
+#include "app/window/ListScreenshots.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
 
 namespace {
 
@@ -84,6 +86,7 @@ int main(int argc, char** argv) {
     if (!options.screenshotDir.isEmpty()) {
         ScreenshotRunner runner;
         addWindowScreenshots(runner, window);
+        addListScreenshots(runner, window);
         return runner.run(options.screenshotDir) ? 0 : 1;
     }
     return QGuiApplication::exec();

@@ -20,6 +20,8 @@ class KitColorer : public QObject {
     Q_PROPERTY(QColor darkBlueColor READ darkBlueColor CONSTANT)
     Q_PROPERTY(QColor lightBlueColor READ lightBlueColor CONSTANT)
     Q_PROPERTY(QColor darkGreyBlueColor READ darkGreyBlueColor CONSTANT)
+    Q_PROPERTY(QColor grayColor READ grayColor CONSTANT)
+    Q_PROPERTY(QColor redColor READ redColor CONSTANT)
 
 public:
     using QObject::QObject;
@@ -30,6 +32,8 @@ public:
     static QColor darkBlueColor() { return toQColor(Colorer::darkBlueColor()); }
     static QColor lightBlueColor() { return toQColor(Colorer::lightBlueColor()); }
     static QColor darkGreyBlueColor() { return toQColor(Colorer::darkGreyBlueColor()); }
+    static QColor grayColor() { return toQColor(Colorer::grayColor()); }
+    static QColor redColor() { return toQColor(Colorer::redColor()); }
 
     Q_INVOKABLE static QColor colorForNumber(int number);
     Q_INVOKABLE static QColor darkerColorForColor(const QColor& color);

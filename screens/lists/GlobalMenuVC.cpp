@@ -2,6 +2,9 @@
 
 #include "app/AppDelegate.h"
 #include "library/text/Localized.h"
+#include "library/util/Log.h"
+
+#include <QFile>
 
 namespace {
 constexpr const char* kKinds[] = {"TrackFolder", "LoopFolder", "SoundFolder"};
@@ -39,8 +42,21 @@ int GlobalMenuVC::selectedRow() const {
     return -1;
 }
 
-// Only the loops list exists so far; the tracks and sounds lists come with their screens.
-bool GlobalMenuVC::isAvailable(int row) const { return row == 1; }
+bool GlobalMenuVC::isAvailable(int row) const { return row >= 0 && row < kRows; }
+
+QString GlobalMenuVC::settingsText() const { return QString::fromStdString(localized("Settings")); }
+
+bool GlobalMenuVC::settingsAvailable() const { return QFile::exists(QString::fromLatin1(kSettingsUrl).mid(3)); }
+
+void GlobalMenuVC::didSelectSettings() {
+    if (selectedRow() < 0) return;  // already the settings (or another non-list) screen
+    if (!settingsAvailable()) {
+        qlog("no screen at %s yet", kSettingsUrl);
+        return;
+    }
+    if (AppDelegate* app = AppDelegate::shared()) app->removeAllChannelsFromAC();
+    emit showScreen(QString::fromLatin1(kSettingsUrl));
+}
 
 void GlobalMenuVC::didSelectRow(int row) {
     if (row == selectedRow() || !isAvailable(row)) return;

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QString>
 #include <QVariantList>
+#include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 
 class GlobalMenuVC : public QObject {
@@ -17,8 +18,16 @@ class GlobalMenuVC : public QObject {
     Q_PROPERTY(QString topScreenKind READ topScreenKind WRITE setTopScreenKind NOTIFY selectedRowChanged)
     // 0 tracks, 1 loops, 2 sounds; -1 when another screen is on top.
     Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectedRowChanged)
+    // The second section's one row, the settings screen, shown once it is
+    // part of the program; marked whenever no list is on top.
+    Q_PROPERTY(QString settingsText READ settingsText CONSTANT)
+    Q_PROPERTY(QString settingsIcon READ settingsIcon CONSTANT)
+    Q_PROPERTY(bool settingsAvailable READ settingsAvailable CONSTANT)
 
 public:
+    // The settings screen lives with the export screen; the menu shows its row once it is linked.
+    static constexpr const char* kSettingsUrl = "qrc:/qt/qml/Quillo/Export/SettingsView.qml";
+
     explicit GlobalMenuVC(QObject* parent = nullptr);
 
     QVariantList rows() const;
@@ -32,11 +41,18 @@ public:
     // otherwise stops all playing audio and emits showList with the list's kind.
     Q_INVOKABLE void didSelectRow(int row);
 
+    QString settingsText() const;
+    QString settingsIcon() const { return QStringLiteral("settingsGlobal"); }
+    bool settingsAvailable() const;
+    // The settings row: silences everything and asks the window to show the settings screen.
+    Q_INVOKABLE void didSelectSettings();
+
     static QString kindOfRow(int row);
 
 signals:
     void selectedRowChanged();
     void showList(const QString& typeOfItems);
+    void showScreen(const QString& url);
 
 private:
     QString topScreenKind_;

@@ -5,104 +5,64 @@
 #include "library/palette/Colorer.h"
 #include "library/text/Localized.h"
 #include "playback/Loopplayer.h"
-#include "screens/lists/ColorerQml.h"
+#include "screens/kit/KitColorer.h"
+#include "screens/lists/internal/LibraryItems.h"
 
-LoopsTVC::LoopsTVC(QObject* parent) : QObject(parent) { setItemsAndReloadTable(); }
+LoopsTVC::LoopsTVC(QObject* parent) : BaseTVC(QStringLiteral("LoopFolder"), "Loops", parent) {
+    setItemsAndReloadTable();
+}
 
 LoopsTVC::~LoopsTVC() { stopPlaying(); }
 
-QString LoopsTVC::title() const { return QString::fromStdString(localized("Loops")); }
+Loop* LoopsTVC::loopAtRow(int row) const { return dynamic_cast<Loop*>(itemAtRow(row)); }
 
-void LoopsTVC::setItemsAndReloadTable() {
-    stopPlaying();
-    items_.clear();
-    std::vector<ListRow> rows;
-    CoreDater& dater = CoreDater::shIns();
-    if (!dater.managedObjectContext()) {
-        rows_.setRows({});
-        return;
+void LoopsTVC::fillItemRow(ListRow& row, ManagedObject* item) const {
+    auto* loop = static_cast<Loop*>(item);
+    for (Instrument* instrument : loop->instruments()) {
+        Sound* sound = instrument->sound();
+        row.tileColors.push_back(sound ? toQColor(Colorer::colorForNumber(sound->color()))
+                                       : toQColor(Colorer::grayColor()));
     }
-    const QString usersName = QString::fromStdString(dater.userArtistsName());
-    for (ManagedObject* o : dater.getAllItemsOfEntity("LoopFolder")) {
-        auto* folder = static_cast<LoopFolder*>(o);
-        const int section = static_cast<int>(items_.size());
-        items_.push_back(folder);
-        ListRow folderRow;
-        folderRow.isFolder = true;
-        folderRow.section = section;
-        folderRow.name = QString::fromStdString(folder->name());
-        folderRow.opened = folder->opened();
-        folderRow.itemCount = static_cast<int>(folder->items().size());
-        rows.push_back(folderRow);
-        if (!folder->opened()) continue;
-        int position = 0;
-        for (Loop* loop : folder->items()) {
-            ListRow r;
-            r.section = section;
-            r.item = position++;
-            r.name = QString::fromStdString(loop->name());
-            r.author = loop->preloaded() ? QString::fromStdString(loop->artist()) : usersName;
-            for (Instrument* instrument : loop->instruments()) {
-                Sound* sound = instrument->sound();
-                r.tileColors.push_back(sound ? ColorerQml::toQColor(Colorer::colorForNumber(sound->color()))
-                                             : ColorerQml::toQColor(Colorer::grayColor()));
-            }
-            // Every loop shows all its slots; the empty ones are transparent.
-            while (r.tileColors.size() < Loopplayer::kSlots) r.tileColors.push_back(QColor(Qt::transparent));
-            rows.push_back(r);
-        }
-    }
-    rows_.setRows(std::move(rows));
+    // Every loop shows all its slots; the empty ones are transparent.
+    while (row.tileColors.size() < Loopplayer::kSlots) row.tileColors.push_back(QColor(Qt::transparent));
 }
 
-Loop* LoopsTVC::loopAtRow(int row) const {
-    const ListRow* r = rows_.rowAt(row);
-    if (!r || r->isFolder) return nullptr;
-    const LoopFolder* folder = items_[static_cast<size_t>(r->section)];
-    const auto& loops = folder->items();
-    return r->item < static_cast<int>(loops.size()) ? loops[static_cast<size_t>(r->item)] : nullptr;
+bool LoopsTVC::startPlayingItem(ManagedObject* item) {
+    m_loopplayer = Loopplayer::create(static_cast<Loop*>(item), nullptr);
+    return m_loopplayer != nullptr;
 }
 
-void LoopsTVC::didSelectRow(int row) {
-    stopPlaying();
-    const ListRow* r = rows_.rowAt(row);
-    if (!r) return;
-    if (r->isFolder) {
-        LoopFolder* folder = items_[static_cast<size_t>(r->section)];
-        folder->setOpened(!folder->opened());
-        CoreDater::shIns().save();
-        setItemsAndReloadTable();
-    }
-    // An item row opens the loop editor, which is not part of this window yet.
+void LoopsTVC::stopPlayingItem() {
+    if (!m_loopplayer) return;
+    Loopplayer::stopLoop(m_loopplayer);
+    m_loopplayer->reallyFreeLoadedFiles();
+    m_loopplayer.reset();
 }
 
-void LoopsTVC::playItemPressed(int row) {
-    const bool wasPlaying = (row == playingRow_);
-    stopPlaying();
-    if (wasPlaying) return;  // a second press stops
+void LoopsTVC::deleteItemDependents(ManagedObject* item) {
+    auto* loop = static_cast<Loop*>(item);
+    CoreDater::shIns().deleteAllInstrumentsOfLoop(loop);
+    CoreDater::shIns().deleteAllTrackLoopsOfLoop(loop);
+}
+
+ManagedObject* LoopsTVC::newItem() { return CoreDater::shIns().createEmptyUsersLoop(); }
+
+void LoopsTVC::openItem(ManagedObject* item) {
+    auto* loop = dynamic_cast<Loop*>(item);
+    if (!loop) return;
+    openScreen(QStringLiteral("qrc:/qt/qml/Quillo/LoopEditor/OneLoopView.qml"),
+               {{QStringLiteral("loopName"), QString::fromStdString(loop->name())}});
+}
+
+QString LoopsTVC::shareKind(bool) const { return QStringLiteral("loop"); }
+
+void LoopsTVC::copyItemAtRow(int row) {
     Loop* loop = loopAtRow(row);
     if (!loop) return;
-    loopplayer_ = Loopplayer::create(loop, nullptr);
-    if (loopplayer_) setPlayingRow(row);
-}
-
-void LoopsTVC::menuButtonTapped() {
     stopPlaying();
-    emit menuRequested();
-}
-
-void LoopsTVC::stopPlaying() {
-    if (loopplayer_) {
-        Loopplayer::stopLoop(loopplayer_);
-        loopplayer_->reallyFreeLoadedFiles();
-        loopplayer_.reset();
-    }
-    setPlayingRow(-1);
-}
-
-void LoopsTVC::setPlayingRow(int row) {
-    if (row == playingRow_) return;
-    playingRow_ = row;
-    rows_.setPlayingRow(row);
-    emit playingRowChanged();
+    std::string folder = library_items::folderName(folderOfRow(row));
+    if (folder == localized("Built-in loops")) folder = localized("My loops");
+    CoreDater::shIns().createUsersLoopThatCopyOfPreloadedLoop(loop, folder);
+    CoreDater::shIns().save();
+    setItemsAndReloadTable();
 }

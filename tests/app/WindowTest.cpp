@@ -22,6 +22,7 @@
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
 
 namespace {
 
@@ -248,24 +249,28 @@ TEST_F(WindowTest, SideMenuSwitchesListsOnlyFromAnotherScreenAndSilencesEverythi
     GlobalMenuVC menu;
     QSignalSpy shown(&menu, &GlobalMenuVC::showList);
 
-    // On the loops list, choosing Loops again (or a list not built yet) changes nothing.
+    // On the loops list, choosing Loops again changes nothing.
     menu.setTopScreenKind("LoopFolder");
     EXPECT_EQ(menu.selectedRow(), 1);
     loops()->playItemPressed(rowNamed("Easy beat 95"));
     ASSERT_EQ(quillo->app()->loopplayers().size(), 1u);
     menu.didSelectRow(1);
-    menu.didSelectRow(0);
     EXPECT_EQ(shown.count(), 0);
     EXPECT_EQ(quillo->app()->loopplayers().size(), 1u);
 
-    // From any other screen, Loops stops all audio and asks for a new loops list.
+    // Another list stops all audio and asks for a new list of that kind.
+    menu.didSelectRow(0);
+    ASSERT_EQ(shown.count(), 1);
+    EXPECT_EQ(shown.first().first().toString(), "TrackFolder");
+    EXPECT_TRUE(quillo->app()->loopplayers().empty());
+    EXPECT_TRUE(quillo->app()->audioController()->channels().empty());
+
+    // From any other screen, even the list's own row shows a new list.
     menu.setTopScreenKind("OneLoopVC");
     EXPECT_EQ(menu.selectedRow(), -1);
     menu.didSelectRow(1);
-    ASSERT_EQ(shown.count(), 1);
-    EXPECT_EQ(shown.first().first().toString(), "LoopFolder");
-    EXPECT_TRUE(quillo->app()->loopplayers().empty());
-    EXPECT_TRUE(quillo->app()->audioController()->channels().empty());
+    ASSERT_EQ(shown.count(), 2);
+    EXPECT_EQ(shown.last().first().toString(), "LoopFolder");
 }
 
 int main(int argc, char** argv) {

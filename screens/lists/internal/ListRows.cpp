@@ -20,13 +20,19 @@ QVariant ListRows::data(const QModelIndex& index, int role) const {
         case ItemCountRole: return r->itemCount;
         case PlayingRole: return r->playing;
         case TileColorsRole: return QVariant::fromValue(r->tileColors);
+        case DotColorRole: return r->dotColor;
+        case DetailRole: return r->detail;
+        case RightButtonsRole: return r->rightButtons;
+        case LeftButtonsRole: return r->leftButtons;
         default: return {};
     }
 }
 
 QHash<int, QByteArray> ListRows::roleNames() const {
     return {{IsFolderRole, "isFolder"}, {SectionRole, "section"}, {NameRole, "name"},          {AuthorRole, "author"},
-            {OpenedRole, "opened"}, {ItemCountRole, "itemCount"},     {PlayingRole, "playing"}, {TileColorsRole, "tileColors"}};
+            {OpenedRole, "opened"}, {ItemCountRole, "itemCount"},     {PlayingRole, "playing"}, {TileColorsRole, "tileColors"},
+            {DotColorRole, "dotColor"},     {DetailRole, "detail"},         {RightButtonsRole, "rightButtons"},
+            {LeftButtonsRole, "leftButtons"}};
 }
 
 void ListRows::setRows(std::vector<ListRow> rows) {

@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QtQml/qqmlregistration.h>
 #include <vector>
 
@@ -18,7 +19,11 @@ struct ListRow {
     bool opened = false;             // folders only
     int itemCount = 0;               // folders only
     bool playing = false;            // items only
-    QList<QColor> tileColors;        // items only: one per slot, transparent where the slot is empty
+    QList<QColor> tileColors;        // loops: one per slot, transparent where the slot is empty
+    QColor dotColor = Qt::transparent;  // sounds: the sound's colour
+    QString detail;                  // tracks: the length, "m:ss"
+    QStringList rightButtons;        // swipe buttons (icon names) on the right side, index 0 first
+    QStringList leftButtons;         // and on the left side
 };
 
 class ListRows : public QAbstractListModel {
@@ -37,6 +42,10 @@ public:
         ItemCountRole,
         PlayingRole,
         TileColorsRole,
+        DotColorRole,
+        DetailRole,
+        RightButtonsRole,
+        LeftButtonsRole,
     };
 
     using QAbstractListModel::QAbstractListModel;
