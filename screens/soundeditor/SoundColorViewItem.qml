@@ -1,0 +1,56 @@
+// Draws a SoundColorView over the whole window: 16 rows of 9 palette cells,
+// the current colour bordered in the background colour. It grows from zero;
+// a touch anywhere goes to the controller in window coordinates.
+import QtQuick
+import Quillo.Kit
+import Quillo.SoundEditor
+
+Item {
+    id: root
+
+    required property SoundColorView view
+    readonly property real screenWidth: Framr.scrnWid
+    readonly property real screenHeight: Framr.scrnHei
+    readonly property real cellWidth: screenWidth / view.columns
+    readonly property real cellHeight: screenHeight * 0.0625
+    readonly property point origin: {
+        Framr.revision
+        return root.parent ? root.parent.mapFromItem(null, 0, 0) : Qt.point(0, 0)
+    }
+
+    x: origin.x
+    y: origin.y
+    width: screenWidth
+    height: screenHeight
+    z: 100
+    transformOrigin: Item.Center
+    Component.onCompleted: Animator.scaleFromZero(root)
+    Accessible.role: Accessible.List
+    Accessible.name: qsTr("Colours")
+
+    Repeater {
+        model: root.view.rows * root.view.columns
+        Rectangle {
+            required property int index
+            readonly property int row: Math.floor(index / root.view.columns)
+            readonly property int column: index % root.view.columns
+            objectName: "colorCell" + index
+            x: column * root.cellWidth
+            y: row * root.cellHeight
+            width: root.cellWidth
+            height: root.cellHeight
+            color: root.view.colorforRow(row, column)
+            border.color: Colorer.backgColor
+            border.width: index === root.view.colorNumBefore ? root.cellWidth * 0.1 : 0
+            Accessible.role: Accessible.Button
+            Accessible.name: qsTr("Colour %1").arg(index)
+        }
+    }
+
+    TapHandler {
+        onTapped: function (point) {
+            const atWindow = root.mapToItem(null, point.position.x, point.position.y)
+            root.view.touchAt(atWindow.x, atWindow.y, root.screenWidth, root.screenHeight)
+        }
+    }
+}
