@@ -42,7 +42,9 @@ bool exists(const std::string& path) {
 
 }  // namespace
 
-SoundView::SoundView(QObject* parent) : AnimatedView(parent) {}
+SoundView::SoundView(QObject* parent)
+    : NameNFlderChoosrView(QString(), QString::fromStdString(localized("My sounds")), QStringLiteral("SoundFolder"),
+                           parent) {}
 
 SoundView::~SoundView() {
     // A panel dropped without Done or Cancel (the window closing) leaves
@@ -66,8 +68,8 @@ SoundView* SoundView::addExistingSound(Sound* sound, QObject* host, const QRectF
 
 void SoundView::addNewSoundView(const QRectF& startFrame) {
     m_existing = nullptr;
-    m_name = qs(CoreDater::shIns().getNameForNewRecordedSound());
-    m_folderName = qs(localized("My sounds"));
+    setName(qs(CoreDater::shIns().getNameForNewRecordedSound()));
+    setFolderName(qs(localized("My sounds")));
     m_colorNum = Colorer::randomColorNum();
     m_elementsShown = false;
     m_waveform = Waveform{};
@@ -77,8 +79,6 @@ void SoundView::addNewSoundView(const QRectF& startFrame) {
     m_inputSwitchedOn = true;
     switchInputInBackground(true);
     emit openedChanged();
-    emit nameChanged();
-    emit folderNameChanged();
     emit colorNumChanged();
     emit recordingChanged();
     emit waveformChanged();
@@ -93,15 +93,13 @@ bool SoundView::addExistingSound(const QString& soundName, const QRectF& startFr
 
 void SoundView::openExisting(Sound* sound, const QRectF& startFrame) {
     m_existing = sound;
-    m_name = qs(sound->name());
-    m_folderName = sound->inFolder() ? qs(sound->inFolder()->name()) : QString();
+    setName(qs(sound->name()));
+    setFolderName(sound->inFolder() ? qs(sound->inFolder()->name()) : QString());
     m_colorNum = sound->color();
     m_elementsShown = true;
     setColor(panelColor());
     moveToCircle(Framr::fullScrnCircle(), startFrame, kStartCornerKoeff);
     emit openedChanged();
-    emit nameChanged();
-    emit folderNameChanged();
     emit colorNumChanged();
     emit recordingChanged();
     emit photoChanged();
@@ -110,25 +108,6 @@ void SoundView::openExisting(Sound* sound, const QRectF& startFrame) {
 
 // ---------------------------------------------------------------------------
 // Properties
-
-void SoundView::setName(const QString& name) {
-    if (name == m_name) return;
-    m_name = name;
-    emit nameChanged();
-}
-
-void SoundView::setFolderName(const QString& folder) {
-    if (folder == m_folderName) return;
-    m_folderName = folder;
-    emit folderNameChanged();
-}
-
-QStringList SoundView::folderNames() const {
-    QStringList names;
-    for (ManagedObject* object : CoreDater::shIns().getAllItemsOfEntity("SoundFolder"))
-        names << qs(static_cast<SoundFolder*>(object)->name());
-    return names;
-}
 
 QString SoundView::existingName() const { return m_existing ? qs(m_existing->name()) : QString(); }
 
@@ -366,20 +345,20 @@ void SoundView::imagePicked(const QImage& image) {
 // ---------------------------------------------------------------------------
 // Done and Cancel
 
-std::string SoundView::cleanedName() const {
-    const std::string name = Utly::deleteBadCharactersFromString(Utly::oneLine(ss(m_name)));
-    return Utly::stringContainOnlyWhitespaces(name) ? localized("Sound") : name;
+std::string SoundView::storedName() const {
+    const std::string cleaned = Utly::deleteBadCharactersFromString(Utly::oneLine(ss(name())));
+    return Utly::stringContainOnlyWhitespaces(cleaned) ? localized("Sound") : cleaned;
 }
 
-std::string SoundView::cleanedFolderName() const {
-    const std::string folder = Utly::oneLine(ss(m_folderName));
+std::string SoundView::storedFolderName() const {
+    const std::string folder = Utly::oneLine(ss(folderName()));
     return Utly::stringContainOnlyWhitespaces(folder) ? localized("My sounds") : folder;
 }
 
 bool SoundView::nothingChanged() const {
     if (!m_existing) return false;
     const std::string folder = m_existing->inFolder() ? m_existing->inFolder()->name() : std::string();
-    return cleanedName() == m_existing->name() && ss(m_folderName) == folder && m_colorNum == m_existing->color() &&
+    return storedName() == m_existing->name() && ss(folderName()) == folder && m_colorNum == m_existing->color() &&
            !m_photoChanged;
 }
 
@@ -407,8 +386,8 @@ void SoundView::closingCleanUp() {
 
 bool SoundView::createNewSound(Sound* source) {
     if (source && nothingChanged()) return false;
-    const std::string name = uniqueSoundName(cleanedName());
-    const std::string folder = cleanedFolderName();
+    const std::string name = uniqueSoundName(storedName());
+    const std::string folder = storedFolderName();
     // The sound file first: if it cannot be made, nothing else changes.
     if (source) {
         if (!Filer::copyFile(Filer::urlForSound(source), Filer::urlForUsersSoundWithName(name))) {
@@ -436,9 +415,9 @@ bool SoundView::editExistingSound() {
     if (!m_existing || nothingChanged()) return false;
     Sound* sound = m_existing;
     const std::string oldFolder = sound->inFolder() ? sound->inFolder()->name() : std::string();
-    if (ss(m_folderName) != oldFolder) sound->setInFolder(CoreDater::shIns().soundFolder(cleanedFolderName()));
+    if (ss(folderName()) != oldFolder) sound->setInFolder(CoreDater::shIns().soundFolder(storedFolderName()));
     sound->setColor(int16_t(m_colorNum));
-    const std::string wanted = cleanedName();
+    const std::string wanted = storedName();
     if (wanted != sound->name()) {
         const std::string oldName = sound->name();
         const std::string newName = uniqueSoundName(wanted);
@@ -461,6 +440,7 @@ bool SoundView::editExistingSound() {
 
 void SoundView::donePressed() {
     if (m_closed) return;
+    finishEditing();  // a name still being typed counts
     closingCleanUp();
     QString result = QStringLiteral("unchanged");
     QString soundName = existingName();

@@ -25,7 +25,7 @@
 #include <QtQml/qqmlregistration.h>
 #include <memory>
 
-#include "screens/kit/AnimatedView.h"
+#include "screens/lists/panels/NameNFlderChoosrView.h"
 #include "screens/soundeditor/internal/Waveform.h"
 
 class AppDelegate;
@@ -33,15 +33,11 @@ class Sound;
 class SoundColorView;
 class SoundPhotoView;
 
-class SoundView : public AnimatedView {
+class SoundView : public NameNFlderChoosrView {
     Q_OBJECT
     QML_ELEMENT
-    // The name-and-folder part.
-    Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
-    Q_PROPERTY(QString folderName READ folderName WRITE setFolderName NOTIFY folderNameChanged)
-    Q_PROPERTY(QString folderType READ folderType CONSTANT)
-    Q_PROPERTY(QStringList folderNames READ folderNames NOTIFY openedChanged)
-    // What is shown.
+    // The name, the folder and the folder chooser come from the
+    // name-and-folder panel. What is shown besides:
     Q_PROPERTY(bool isNew READ isNew NOTIFY openedChanged)
     Q_PROPERTY(QString existingName READ existingName NOTIFY openedChanged)
     Q_PROPERTY(int colorNum READ colorNum NOTIFY colorNumChanged)
@@ -85,12 +81,6 @@ public:
     Q_INVOKABLE bool addExistingSound(const QString& soundName, const QRectF& startFrame);
     void openExisting(Sound* sound, const QRectF& startFrame);
 
-    QString name() const { return m_name; }
-    void setName(const QString& name);
-    QString folderName() const { return m_folderName; }
-    void setFolderName(const QString& folder);
-    QString folderType() const { return QStringLiteral("SoundFolder"); }
-    QStringList folderNames() const;
     bool isNew() const { return !m_existing; }
     QString existingName() const;
     Sound* existingSound() const { return m_existing; }
@@ -130,8 +120,8 @@ public:
     Q_INVOKABLE void playPressed();
     Q_INVOKABLE void settingsPressed();
     Q_INVOKABLE void okSettingsPressed();
-    Q_INVOKABLE void donePressed();
-    Q_INVOKABLE void cancelPressed();
+    Q_INVOKABLE void donePressed() override;
+    Q_INVOKABLE void cancelPressed() override;
     // Opens the colour chooser (owned by the panel until it closes).
     Q_INVOKABLE SoundColorView* colorPressed();
     Q_INVOKABLE void colorPicked(int colorNum);
@@ -151,8 +141,8 @@ public:
     bool nothingChanged() const;
     // The name and folder as they will be stored: bad characters removed, a
     // blank name "Sound", a blank folder "My sounds".
-    std::string cleanedName() const;
-    std::string cleanedFolderName() const;
+    std::string storedName() const;
+    std::string storedFolderName() const;
     // Done's two paths. Both answer whether the library changed.
     bool createNewSound(Sound* source);
     bool editExistingSound();
@@ -162,8 +152,6 @@ public:
     static void waitForInputSwitch();
 
 signals:
-    void nameChanged();
-    void folderNameChanged();
     void openedChanged();
     void colorNumChanged();
     void recordingChanged();
@@ -193,8 +181,6 @@ private:
     void setError(const QString& error);
     std::string uniqueSoundName(const std::string& wanted) const;
 
-    QString m_name;
-    QString m_folderName;
     Sound* m_existing = nullptr;
     int m_colorNum = 0;
     bool m_photoChanged = false;

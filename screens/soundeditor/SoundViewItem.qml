@@ -6,6 +6,7 @@ import QtQuick
 import QtQuick.Controls
 import Quillo.Kit
 import Quillo.Kit as Kit  // QtQuick has an Animator of its own
+import Quillo.Lists as Lists
 import Quillo.SoundEditor
 
 AnimatedViewItem {
@@ -47,7 +48,7 @@ AnimatedViewItem {
         // ---- Top: cancel, settings, name and folder
         ImageButton {
             objectName: "cancelButton"
-            readonly property rect f: root.place(0.04 * root.sw, 0.035 * root.sh, 0.12 * root.sw, 0.12 * root.sw)
+            readonly property rect f: root.place(0.03 * root.sw, 0.012 * root.sh, 0.1 * root.sw, 0.1 * root.sw)
             x: f.x; y: f.y; width: f.width; height: f.height
             image: "cancelButton"
             color: Colorer.backgColor
@@ -55,7 +56,7 @@ AnimatedViewItem {
         }
         ImageButton {
             objectName: "settingsButton"
-            readonly property rect f: root.place(0.84 * root.sw, 0.035 * root.sh, 0.12 * root.sw, 0.12 * root.sw)
+            readonly property rect f: root.place(0.87 * root.sw, 0.012 * root.sh, 0.1 * root.sw, 0.1 * root.sw)
             x: f.x; y: f.y; width: f.width; height: f.height
             image: "settingsButton"
             color: Colorer.backgColor
@@ -65,26 +66,12 @@ AnimatedViewItem {
             Behavior on scale { NumberAnimation { duration: Kit.Animator.moveTime * 1000 } }
             onClicked: root.soundView.settingsPressed()
         }
-        KitTextField {
-            id: nameField
-            objectName: "nameField"
-            readonly property rect f: root.place(0.2 * root.sw, 0.035 * root.sh, 0.6 * root.sw, 0.055 * root.sh)
-            x: f.x; y: f.y; width: f.width; height: f.height
-            horizontalAlignment: TextInput.AlignHCenter
-            text: root.soundView.name
-            placeholderText: qsTr("Name")
-            Accessible.name: qsTr("Name")
-            onTextEdited: root.soundView.name = text
-        }
-        KitTextField {
-            objectName: "folderField"
-            readonly property rect f: root.place(0.2 * root.sw, 0.1 * root.sh, 0.6 * root.sw, 0.045 * root.sh)
-            x: f.x; y: f.y; width: f.width; height: f.height
-            horizontalAlignment: TextInput.AlignHCenter
-            text: root.soundView.folderName
-            placeholderText: qsTr("Folder")
-            Accessible.name: qsTr("Folder")
-            onTextEdited: root.soundView.folderName = text
+        // Name and folder (with the folder chooser), laid out in window coordinates.
+        Lists.NameNFlderChoosrContent {
+            readonly property rect f: root.place(0, 0, root.sw, root.sh)
+            x: f.x; y: f.y
+            z: 10
+            panel: root.soundView
         }
 
         // ---- Waveform, or the input trace while recording

@@ -229,7 +229,7 @@ TEST_F(SoundViewTest, NamesAreCleanedAndBlankOnesGetTheDefaults) {
     view.setName("Be/at?");
     EXPECT_TRUE(view.nothingChanged());  // the cleaned name is the same
     view.setName(" \t ");
-    EXPECT_EQ(view.cleanedName(), "Sound");
+    EXPECT_EQ(view.storedName(), "Sound");
     EXPECT_FALSE(view.nothingChanged());
 }
 
