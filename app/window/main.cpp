@@ -8,9 +8,11 @@
 #include "app/window/QuilloWindow.h"
 #include "app/window/ScreenshotRunner.h"
 #include "app/window/WindowScreenshots.h"
+#include "screens/soundeditor/shots/SoundEditorScreenshots.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
 
 int main(int argc, char** argv) {
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
@@ -40,6 +42,7 @@ int main(int argc, char** argv) {
     if (!options.screenshotDir.isEmpty()) {
         ScreenshotRunner runner;
         addWindowScreenshots(runner, window);
+        addSoundEditorScreenshots(runner, window);
         return runner.run(options.screenshotDir) ? 0 : 1;
     }
     return QGuiApplication::exec();

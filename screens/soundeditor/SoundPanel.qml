@@ -68,10 +68,13 @@ Item {
         active: panel.soundView !== null
         sourceComponent: SoundViewItem {
             soundView: panel.soundView
-            onColorRequested: colorChooser.view = panel.soundView.colorPressed()
-            onPhotoRequested: photoChooser.view = panel.soundView.photoPressed()
+            onColorRequested: panel.openColorChooser()
+            onPhotoRequested: panel.openPhotoChooser()
         }
     }
+
+    function openColorChooser() { colorChooser.view = panel.soundView.colorPressed() }
+    function openPhotoChooser() { photoChooser.view = panel.soundView.photoPressed() }
 
     Loader {
         id: colorChooser

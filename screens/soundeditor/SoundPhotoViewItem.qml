@@ -75,7 +75,8 @@ Rectangle {
         y: 0.68 * root.sh + 0.24 * root.sw
         width: 0.9 * root.sw
         height: 0.035 * root.sh
-        text: root.notice
+        // Said at once where there is no camera, not only after a tap.
+        text: root.notice.length > 0 ? root.notice : (root.cameraAvailable ? "" : qsTr("No camera"))
         color: Colorer.backgColor
         visible: text.length > 0
     }
