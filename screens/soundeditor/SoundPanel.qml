@@ -3,8 +3,9 @@
 // the host screen (it fills its parent) and destroy it on `closed`.
 //
 // With no soundView given it makes its own: set soundName ("" for a new
-// recording) and startFrame (window coordinates) before it is completed. A
-// host screen that handles photos itself passes its PhotoDelegatVC as host.
+// recording) and startFrame (window coordinates) when creating it, or at the
+// latest in a Loader's onLoaded (the panel opens just after). A host screen
+// that handles photos itself passes its PhotoDelegatVC as host.
 import QtQuick
 import QtQuick.Dialogs
 import Quillo.Kit
@@ -22,17 +23,25 @@ Item {
     // "created", "edited", "unchanged", "failed" or "cancelled", with the sound's name.
     signal finished(string result, string soundName)
     signal closed()
+    // The panel's own reports, passed on for hosts that follow them one by one.
+    signal soundWasAddedOrEdited(string soundName)
+    signal soundRecordingWasCancelled()
+    signal removeSoundView()
 
     anchors.fill: parent
     focus: true
 
+    function open() {
+        if (soundView)
+            return
+        const made = Qt.createQmlObject("import Quillo.SoundEditor; SoundView {}", panel)
+        if (soundName.length === 0 || !made.addExistingSound(soundName, startFrame))
+            made.addNewSoundView(startFrame)
+        soundView = made
+    }
     Component.onCompleted: {
-        if (makesItsOwnView && !soundView) {
-            const made = Qt.createQmlObject("import Quillo.SoundEditor; SoundView {}", panel)
-            if (soundName.length === 0 || !made.addExistingSound(soundName, startFrame))
-                made.addNewSoundView(startFrame)
-            soundView = made
-        }
+        if (makesItsOwnView)
+            Qt.callLater(open)
         forceActiveFocus()
     }
     onSoundViewChanged: {
@@ -44,7 +53,12 @@ Item {
     Connections {
         target: panel.soundView
         function onFinished(result, name) { panel.finished(result, name) }
-        function onRemoveSoundView() { panel.closed() }
+        function onSoundWasAddedOrEdited(name) { panel.soundWasAddedOrEdited(name) }
+        function onSoundRecordingWasCancelled() { panel.soundRecordingWasCancelled() }
+        function onRemoveSoundView() {
+            panel.removeSoundView()
+            panel.closed()
+        }
     }
 
     Connections {

@@ -28,11 +28,7 @@ protected:
         root = nullptr;
         SoundEditorTest::TearDown();
     }
-    QQuickItem* load() {
-        quillo::kit::addTo(engine);
-        window.resize(390, 844);
-        QQmlComponent component(&engine);
-        component.setData(R"(
+    static constexpr const char* kStack = R"(
 import QtQuick
 import QtQuick.Controls
 import Quillo.Kit
@@ -42,7 +38,12 @@ StackView {
     function openSound(name) {
         push("qrc:/qt/qml/Quillo/SoundEditor/OneSoundView.qml", { soundName: name }, StackView.Immediate)
     }
-})", QUrl(QStringLiteral("qrc:/test/Stack.qml")));
+})";
+    QQuickItem* load(const char* qml = kStack) {
+        quillo::kit::addTo(engine);
+        window.resize(390, 844);
+        QQmlComponent component(&engine);
+        component.setData(qml, QUrl(QStringLiteral("qrc:/test/Scene.qml")));
         root = qobject_cast<QQuickItem*>(component.create());
         if (!root) {
             ADD_FAILURE() << component.errorString().toStdString();
@@ -123,6 +124,64 @@ TEST_F(SoundPanelTest, EscapeCancelsANewRecordingAndLeavesTheLibraryAsItWas) {
     settle();
     EXPECT_EQ(depth(), 1);
     EXPECT_EQ(soundCount(), before);
+}
+
+// The loop editor's way: a Loader that names the sound once loaded and
+// follows the panel's reports.
+constexpr const char* kLoopEditorHost = R"(
+import QtQuick
+import Quillo.Kit
+Item {
+    width: 390; height: 844
+    property string soundName
+    property string edited
+    property int cancelled: 0
+    property int removed: 0
+    Loader {
+        id: loader
+        objectName: "loader"
+        anchors.fill: parent
+        active: false
+        source: "qrc:/qt/qml/Quillo/SoundEditor/SoundPanel.qml"
+        onLoaded: item.soundName = parent.soundName
+    }
+    Connections {
+        target: loader.item
+        function onSoundWasAddedOrEdited(name) { edited = name }
+        function onSoundRecordingWasCancelled() { cancelled++ }
+        function onRemoveSoundView() { removed++ }
+    }
+    function open() { loader.active = false; loader.active = true }
+    function panel() { return loader.item ? loader.item.soundView : null }
+})";
+
+TEST_F(SoundPanelTest, AHostLoaderNamesTheSoundAfterLoadingAndHearsEveryOutcome) {
+    userSound("Beat", 5);
+    ASSERT_TRUE(load(kLoopEditorHost));
+    root->setProperty("soundName", "Beat");
+    QMetaObject::invokeMethod(root, "open");
+    settle();
+    auto panelView = [&] {
+        QVariant v;
+        QMetaObject::invokeMethod(root, "panel", Q_RETURN_ARG(QVariant, v));
+        return qvariant_cast<SoundView*>(v);
+    };
+    SoundView* view = panelView();
+    ASSERT_TRUE(view);
+    EXPECT_EQ(view->existingName(), "Beat");
+    view->colorPicked(9);
+    view->donePressed();
+    EXPECT_EQ(root->property("edited").toString(), "Beat");
+    EXPECT_EQ(root->property("removed").toInt(), 1);
+
+    root->setProperty("soundName", "");
+    QMetaObject::invokeMethod(root, "open");
+    settle();
+    view = panelView();
+    ASSERT_TRUE(view && view->isNew());
+    view->cancelPressed();
+    EXPECT_EQ(root->property("cancelled").toInt(), 1);
+    EXPECT_EQ(root->property("removed").toInt(), 2);
 }
 
 }  // namespace
