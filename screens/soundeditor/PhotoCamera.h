@@ -4,6 +4,7 @@
 // chooser then says so instead of opening it.
 #include <QImage>
 #include <QObject>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 #include <memory>
 
@@ -17,7 +18,7 @@ class PhotoCamera : public QObject {
     QML_ELEMENT
     Q_PROPERTY(bool available READ available CONSTANT)
     Q_PROPERTY(bool active READ active NOTIFY activeChanged)
-    Q_PROPERTY(QImage preview READ preview NOTIFY previewChanged)
+    Q_PROPERTY(QVariant preview READ previewValue NOTIFY previewChanged)
     Q_PROPERTY(QString errorText READ errorText NOTIFY activeChanged)
 
 public:
@@ -27,6 +28,7 @@ public:
     bool available() const;
     bool active() const { return m_active; }
     QImage preview() const { return m_preview; }
+    QVariant previewValue() const { return QVariant::fromValue(m_preview); }
     QString errorText() const { return m_errorText; }
 
     Q_INVOKABLE void start();

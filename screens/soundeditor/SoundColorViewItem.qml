@@ -1,6 +1,7 @@
 // Draws a SoundColorView over the whole window: 16 rows of 9 palette cells,
 // the current colour bordered in the background colour. It grows from zero;
 // a touch anywhere goes to the controller in window coordinates.
+pragma ComponentBehavior: Bound
 import QtQuick
 import Quillo.Kit
 import Quillo.Kit as Kit  // QtQuick has an Animator of its own

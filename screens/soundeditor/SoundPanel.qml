@@ -6,6 +6,7 @@
 // recording) and startFrame (window coordinates) when creating it, or at the
 // latest in a Loader's onLoaded (the panel opens just after). A host screen
 // that handles photos itself passes its PhotoDelegatVC as host.
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Dialogs
 import Quillo.Kit
@@ -34,14 +35,17 @@ Item {
     function open() {
         if (soundView)
             return
-        const made = Qt.createQmlObject("import Quillo.SoundEditor; SoundView {}", panel)
+        const made = soundViewMaker.createObject(panel) as SoundView
         if (soundName.length === 0 || !made.addExistingSound(soundName, startFrame))
             made.addNewSoundView(startFrame)
         soundView = made
     }
+    Component { id: soundViewMaker; SoundView {} }
+    // Opens once the creator has had its say (a Loader's onLoaded comes after completion).
+    Timer { id: opener; interval: 0; onTriggered: panel.open() }
     Component.onCompleted: {
         if (makesItsOwnView)
-            Qt.callLater(open)
+            opener.start()
         forceActiveFocus()
     }
     onSoundViewChanged: {

@@ -4,12 +4,13 @@
 // it back through updateImage; Done with a picked image reports imagePicked.
 #include <QImage>
 #include <QObject>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
 class SoundPhotoView : public QObject {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QImage photo READ photo NOTIFY photoChanged)
+    Q_PROPERTY(QVariant photo READ photoValue NOTIFY photoChanged)
     Q_PROPERTY(bool hasPickedImage READ hasPickedImage NOTIFY photoChanged)
     Q_PROPERTY(bool fromCamera READ fromCamera NOTIFY photoChanged)
 
@@ -21,6 +22,7 @@ public:
     QImage pickedImage() const { return m_pickedImage; }
     // What is shown: the picked image, else the photo the sound had.
     QImage photo() const { return m_pickedImage.isNull() ? m_imageBefore : m_pickedImage; }
+    QVariant photoValue() const { return QVariant::fromValue(photo()); }
     bool hasPickedImage() const { return !m_pickedImage.isNull(); }
     bool fromCamera() const { return m_fromCamera; }
 

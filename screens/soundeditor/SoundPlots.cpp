@@ -62,6 +62,11 @@ PhotoImage::PhotoImage(QQuickItem* parent) : QQuickPaintedItem(parent) {
     connect(this, &PhotoImage::changed, this, [this] { update(); });
 }
 
+void PhotoImage::setImage(const QVariant& image) {
+    m_image = image.value<QImage>();
+    emit changed();
+}
+
 void PhotoImage::paint(QPainter* painter) {
     if (m_image.isNull()) return;
     painter->setRenderHint(QPainter::Antialiasing);

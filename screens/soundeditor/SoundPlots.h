@@ -7,6 +7,7 @@
 #include <QList>
 #include <QPointF>
 #include <QQuickPaintedItem>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
 class WaveformPlot : public QQuickPaintedItem {
@@ -54,11 +55,14 @@ private:
 class PhotoImage : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QImage image MEMBER m_image NOTIFY changed)
+    // A QImage (held as a variant: QML has no image value type).
+    Q_PROPERTY(QVariant image READ image WRITE setImage NOTIFY changed)
     Q_PROPERTY(bool round MEMBER m_round NOTIFY changed)
 
 public:
     explicit PhotoImage(QQuickItem* parent = nullptr);
+    QVariant image() const { return QVariant::fromValue(m_image); }
+    void setImage(const QVariant& image);
     void paint(QPainter* painter) override;
 
 signals:

@@ -22,6 +22,7 @@
 #include <QPointer>
 #include <QRectF>
 #include <QString>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 #include <memory>
 
@@ -59,7 +60,7 @@ class SoundView : public NameNFlderChoosrView {
     Q_PROPERTY(bool settingsShown READ settingsShown NOTIFY settingsShownChanged)
     Q_PROPERTY(QString photoPath READ photoPath NOTIFY photoChanged)
     Q_PROPERTY(int photoRevision READ photoRevision NOTIFY photoChanged)
-    Q_PROPERTY(QImage photoImage READ photoImage NOTIFY photoChanged)
+    Q_PROPERTY(QVariant photoImage READ photoImageValue NOTIFY photoChanged)
     Q_PROPERTY(bool hasNewPhoto READ hasNewPhoto NOTIFY photoChanged)
     Q_PROPERTY(QString lastError READ lastError NOTIFY lastErrorChanged)
     Q_PROPERTY(bool closed READ closed NOTIFY removeSoundView)
@@ -109,6 +110,7 @@ public:
     int photoRevision() const { return m_photoRevision; }
     // The photo through the cache; a null image when the sound has none.
     QImage photoImage() const;
+    QVariant photoImageValue() const { return QVariant::fromValue(photoImage()); }
     bool hasNewPhoto() const { return m_photoChanged; }
     QString lastError() const { return m_lastError; }
     bool closed() const { return m_closed; }
