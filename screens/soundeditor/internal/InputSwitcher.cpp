@@ -1,5 +1,7 @@
 #include "InputSwitcher.h"
 
+#include <QCoreApplication>
+
 #include "app/AppDelegate.h"
 
 InputSwitcher& InputSwitcher::shared() {
@@ -21,7 +23,13 @@ void InputSwitcher::switchInput(bool enabled) {
     {
         std::lock_guard lock(mutex_);
         pending_ = enabled;
-        if (!worker_.joinable()) worker_ = std::thread([this] { run(); });
+        if (!worker_.joinable()) {
+            worker_ = std::thread([this] { run(); });
+            // The application object and its engine go away after the event
+            // loop ends: a switch still running then must finish first.
+            if (QCoreApplication* app = QCoreApplication::instance())
+                QObject::connect(app, &QCoreApplication::aboutToQuit, [this] { wait(); });
+        }
     }
     changed_.notify_all();
 }
