@@ -6,7 +6,6 @@
 // recording) and startFrame (window coordinates) when creating it, or at the
 // latest in a Loader's onLoaded (the panel opens just after). A host screen
 // that handles photos itself passes its PhotoDelegatVC as host.
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Dialogs
 import Quillo.Kit
@@ -51,6 +50,7 @@ Item {
     onSoundViewChanged: {
         if (soundView)
             host.soundV = soundView
+        showPanel()
         forceActiveFocus()
     }
 
@@ -70,8 +70,8 @@ Item {
         function onShowImagePickerForCamera(source) {
             if (source === 1) {
                 if (camera.available)
-                    cameraLoader.active = true
-                else
+                    cameraLoader.setSource(Qt.resolvedUrl("CameraViewItem.qml"), { camera: camera })
+                else if (photoChooser.item)
                     photoChooser.item.notice = qsTr("No camera")
             } else {
                 fileDialog.open()
@@ -80,52 +80,56 @@ Item {
         function onMessage(text) { if (photoChooser.item) photoChooser.item.notice = text }
     }
 
-    Loader {
-        id: panelItem
-        // No size of its own: the panel takes its frame from its controller.
-        active: panel.soundView !== null
-        sourceComponent: SoundViewItem {
-            soundView: panel.soundView
-            onColorRequested: panel.openColorChooser()
-            onPhotoRequested: panel.openPhotoChooser()
-        }
+    // The views are loaded by file with their controllers handed over, so
+    // that each keeps the controller it was made for.
+    Loader { id: panelItem }
+    Connections {
+        target: panelItem.item
+        ignoreUnknownSignals: true
+        function onColorRequested() { panel.openColorChooser() }
+        function onPhotoRequested() { panel.openPhotoChooser() }
+    }
+    function showPanel() {
+        if (soundView)
+            panelItem.setSource(Qt.resolvedUrl("SoundViewItem.qml"), { soundView: soundView })
     }
 
-    function openColorChooser() { colorChooser.view = panel.soundView.colorPressed() }
-    function openPhotoChooser() { photoChooser.view = panel.soundView.photoPressed() }
-
-    Loader {
-        id: colorChooser
-        property SoundColorView view: null
-        active: view !== null
-        sourceComponent: SoundColorViewItem { view: colorChooser.view }
+    function openColorChooser() {
+        colorChooser.setSource(Qt.resolvedUrl("SoundColorViewItem.qml"), { view: panel.soundView.colorPressed() })
     }
-
-    Loader {
-        id: photoChooser
-        property SoundPhotoView view: null
-        active: view !== null
-        sourceComponent: SoundPhotoViewItem {
-            view: photoChooser.view
-            panelColor: panel.soundView.panelColor
+    function openPhotoChooser() {
+        photoChooser.setSource(Qt.resolvedUrl("SoundPhotoViewItem.qml"), {
+            view: panel.soundView.photoPressed(),
+            panelColor: panel.soundView.panelColor,
             cameraAvailable: camera.available
-        }
+        })
+    }
+
+    Loader { id: colorChooser }
+    Connections {
+        target: colorChooser.item ? panel.soundView.soundColorV() : null
+        ignoreUnknownSignals: true
+        function onRemoveSoundColorView() { colorChooser.source = "" }
+    }
+    Loader { id: photoChooser }
+    Connections {
+        target: photoChooser.item ? panel.soundView.soundPhotoV() : null
+        ignoreUnknownSignals: true
+        function onRemoveSoundPhotoView() { photoChooser.source = "" }
     }
 
     PhotoCamera {
         id: camera
         onCaptured: function (image) {
             panel.host.applyImage(image, true)
-            cameraLoader.active = false
+            cameraLoader.source = ""
         }
     }
-    Loader {
-        id: cameraLoader
-        active: false
-        sourceComponent: CameraViewItem {
-            camera: camera
-            onClosed: cameraLoader.active = false
-        }
+    Loader { id: cameraLoader }
+    Connections {
+        target: cameraLoader.item
+        ignoreUnknownSignals: true
+        function onClosed() { cameraLoader.source = "" }
     }
 
     FileDialog {
@@ -140,9 +144,9 @@ Item {
     // Space plays or stops the sound; Delete is Done.
     Keys.onPressed: function (event) {
         if (event.key === Qt.Key_Escape) {
-            if (cameraLoader.active) cameraLoader.active = false
-            else if (photoChooser.view) photoChooser.view.cancelPressed()
-            else if (colorChooser.view) colorChooser.view = null
+            if (cameraLoader.item) cameraLoader.source = ""
+            else if (photoChooser.item) panel.soundView.soundPhotoV().cancelPressed()
+            else if (colorChooser.item) colorChooser.source = ""
             else if (panel.soundView.settingsShown) panel.soundView.okSettingsPressed()
             else panel.soundView.cancelPressed()
             event.accepted = true

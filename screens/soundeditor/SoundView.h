@@ -133,8 +133,8 @@ public:
     // photo cache and shows it.
     Q_INVOKABLE void imagePicked(const QImage& image);
     QString pathOfPhoto() const;
-    SoundPhotoView* soundPhotoV() const;
-    SoundColorView* soundColorV() const;
+    Q_INVOKABLE SoundPhotoView* soundPhotoV() const;
+    Q_INVOKABLE SoundColorView* soundColorV() const;
 
     // Redraws the waveform and the length from a file.
     void showWaveform(const QString& path);
