@@ -13,10 +13,12 @@
 #include "app/window/ScreenshotRunner.h"
 #include "app/window/WindowScreenshots.h"
 #include "app/window/ListScreenshots.h"
+#include "screens/soundeditor/shots/SoundEditorScreenshots.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
 
 namespace {
 
@@ -87,6 +89,7 @@ int main(int argc, char** argv) {
         ScreenshotRunner runner;
         addWindowScreenshots(runner, window);
         addListScreenshots(runner, window);
+        addSoundEditorScreenshots(runner, window);
         return runner.run(options.screenshotDir) ? 0 : 1;
     }
     return QGuiApplication::exec();
