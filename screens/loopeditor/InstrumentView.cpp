@@ -54,6 +54,12 @@ QColor InstrumentView::colorForTact(int step) const {
     return on ? KitColorer::veryDarkerColorForColor(color()) : color();
 }
 
+QList<QColor> InstrumentView::tactColors() const {
+    QList<QColor> colors;
+    for (int step = 0; step < kSteps; ++step) colors << colorForTact(step);
+    return colors;
+}
+
 void InstrumentView::tactPressed(int step) {
     if (step < 0 || step >= kSteps || !m_instrument) return;
     // A built-in loop is copied before anything in it changes; the copy's

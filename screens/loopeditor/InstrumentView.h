@@ -4,6 +4,7 @@
 // sound picker. Every change is saved at once and told to the delegate, which
 // tells the player.
 #include <QColor>
+#include <QList>
 #include <QString>
 #include <cstdint>
 
@@ -34,6 +35,8 @@ class InstrumentView : public WithPickerView, public VolumeViewDelegate {
     Q_PROPERTY(QColor color READ color NOTIFY instrumentChanged)
     Q_PROPERTY(QString photoSource READ photoSource NOTIFY instrumentChanged)
     Q_PROPERTY(int tacts READ tacts NOTIFY tactsChanged)
+    // Each step button's colour (colorForTact of 0 to 15).
+    Q_PROPERTY(QList<QColor> tactColors READ tactColors NOTIFY tactsChanged)
     // The step button shown smaller: the step playing now (-1 before the first).
     Q_PROPERTY(int playingTact READ playingTact NOTIFY playingTactChanged)
     Q_PROPERTY(VolumeView* volumeV READ volumeV CONSTANT)
@@ -50,6 +53,7 @@ public:
     QColor color() const;
     QString photoSource() const;
     int tacts() const;
+    QList<QColor> tactColors() const;
     int playingTact() const { return m_playingTact; }
     VolumeView* volumeV() const { return m_volumeV; }
 

@@ -1,5 +1,7 @@
 // A loop at a glance: its instruments' tiles laid out by the layout functions
 // for instrument i of n, each in its sound's colour, with the photo when shown.
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Quillo.Kit
 import Quillo.LoopEditor

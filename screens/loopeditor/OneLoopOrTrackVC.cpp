@@ -89,6 +89,8 @@ void OneLoopOrTrackVC::refreshNavigationBar() {
 }
 
 void OneLoopOrTrackVC::menuButtonTapped() {
+    if (m_left) return;  // the screen is already on its way out
+    m_left = true;
     willLeave();
     if (AppDelegate* app = AppDelegate::shared()) app->removeAllChannelsFromAC();
     emit closeRequested();

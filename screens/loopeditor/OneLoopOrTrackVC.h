@@ -120,4 +120,5 @@ private:
     QColor m_trashTint;
     QColor m_panelColor;
     bool m_navigationBarHidden = false;
+    bool m_left = false;
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "engine/AudioFileLoaderOperation.h"
+#include "export/Framr.h"
 #include "library/CoreDater.h"
 #include "library/media/Filer.h"
 #include "library/model/Model.h"
@@ -77,15 +78,15 @@ Instrument* OneLoopVC::instrumentAt(int slot) const {
 
 int OneLoopVC::slotOfTile(int tileIndex) const {
     if (tileIndex < 0 || tileIndex >= m_tileObjects.size()) return -1;
-    const QObject* tile = m_tileObjects[tileIndex];
+    const LoopTile* tile = m_tileObjects[tileIndex];
     for (int s = 0; s < kMaxInstruments; ++s)
         if (_instrButtons[static_cast<size_t>(s)] == tile) return s;
     return -1;
 }
 
 LoopTile* OneLoopVC::freeTile() const {
-    for (QObject* o : m_tileObjects)
-        if (std::find(_instrButtons.begin(), _instrButtons.end(), o) == _instrButtons.end()) return static_cast<LoopTile*>(o);
+    for (LoopTile* o : m_tileObjects)
+        if (std::find(_instrButtons.begin(), _instrButtons.end(), o) == _instrButtons.end()) return o;
     return nullptr;
 }
 
@@ -97,10 +98,10 @@ void OneLoopVC::openLoop(Loop* loop) {
     m_displayMode = Plain;
     m_choiceButtonsShown = false;
     _instrButtons.fill(nullptr);
-    for (QObject* o : m_tileObjects) static_cast<LoopTile*>(o)->setPresent(false);
+    for (LoopTile* o : m_tileObjects) o->setPresent(false);
     const int count = std::min(instrumentCount(), kMaxInstruments);
     for (int slot = 0; slot < count; ++slot) {
-        auto* tile = static_cast<LoopTile*>(m_tileObjects[slot]);
+        auto* tile = m_tileObjects[slot];
         tile->setCell(slot);
         tile->setMarked(false);
         tile->setSounding(false);
@@ -138,7 +139,7 @@ void OneLoopVC::willLeave() {
 void OneLoopVC::setPlayerPaused(bool paused) {
     if (_loopplayer) _loopplayer->setPausd(paused);
     if (paused)
-        for (QObject* o : m_tileObjects) static_cast<LoopTile*>(o)->setSounding(false);
+        for (LoopTile* o : m_tileObjects) o->setSounding(false);
 }
 
 void OneLoopVC::setAddTile(int cell, bool shown) {
@@ -161,6 +162,27 @@ void OneLoopVC::refreshTile(int slot) {
 
 void OneLoopVC::refreshAllTiles() {
     for (int slot = 0; slot < kMaxInstruments; ++slot) refreshTile(slot);
+}
+
+// ---- Layout
+
+QRectF OneLoopVC::tileFrame(int cell) const {
+    constexpr double kGap = 10;
+    const double top = Framr::navBarHei();
+    const double bottom = Framr::ffBottomPanel().y();
+    const double w = (Framr::scrnWid() - 3 * kGap) / 2;
+    const double h = (bottom - top - 5 * kGap) / 4;
+    const int row = cell / 2, col = cell % 2;
+    QRectF frame(kGap + col * (w + kGap), top + kGap + row * (h + kGap), w, h);
+    // While the tempo adjuster fills the screen the grid waits above it.
+    return m_tilesAboveNav ? frame.translated(0, -Framr::scrnHei()) : frame;
+}
+
+QRectF OneLoopVC::choiceButtonFrame(int type) const {
+    const QRectF cell = tileFrame(std::max(m_addTileCell, 0));
+    const double side = std::min(cell.width() / 2, cell.height()) * 0.8;
+    const double cx = cell.x() + cell.width() * (type == 0 ? 0.25 : 0.75);
+    return {cx - side / 2, cell.center().y() - side / 2, side, side};
 }
 
 // ---- Copy on first edit
@@ -227,7 +249,7 @@ void OneLoopVC::newInstrumentPressed() {
     emit tilesChanged();
 }
 
-QString OneLoopVC::imageNameForTypeOfNewInstrButton(int type) {
+QString OneLoopVC::imageNameForTypeOfNewInstrButton(int type) const {
     switch (type) {
     case 0: return QStringLiteral("addFromListButton");
     case 1: return QStringLiteral("micButton");
@@ -281,8 +303,8 @@ void OneLoopVC::addNewInstrumentFromMic(bool fromMic) {
 // ---- Deleting
 
 void OneLoopVC::startDeletion() {
-    for (QObject* o : m_tileObjects) {
-        auto* tile = static_cast<LoopTile*>(o);
+    for (LoopTile* o : m_tileObjects) {
+        auto* tile = o;
         tile->setSounding(false);
         tile->setMarked(false);
     }
@@ -349,8 +371,8 @@ void OneLoopVC::someInstrumentsWasDeletedSoChangeVars(const std::map<int, int>& 
 // Deleted tiles that the moves above did not reach (a deleted tile in a slot
 // that a kept one took over) would otherwise stay on screen.
 void OneLoopVC::fixDeleteAllFuckinSubviews() {
-    for (QObject* o : m_tileObjects) {
-        auto* tile = static_cast<LoopTile*>(o);
+    for (LoopTile* o : m_tileObjects) {
+        auto* tile = o;
         if (!tile->present()) continue;
         if (std::find(_instrButtons.begin(), _instrButtons.end(), tile) != _instrButtons.end()) continue;
         qlog("fixDelete %s color %s", qPrintable(tile->objectName()), qPrintable(tile->color().name()));
@@ -527,14 +549,17 @@ void OneLoopVC::shareSound(Sound* sound) {
 
 void OneLoopVC::navBarTapped() {
     if (!m_loop || m_loop->preloaded()) return;
-    _loopEditVOpen = true;
+    if (_loopEditV) return;
+    m_closedLoopEditV.reset();
+    _loopEditV = std::make_unique<LoopOrFolderEditView>(loopName(), loopFolderName(), QStringLiteral("LoopFolder"), this);
     emit nameFolderPanelChanged();
     refreshNavigationBar();
 }
 
-void OneLoopVC::closeNameFolderPanel() {
-    if (!_loopEditVOpen) return;
-    _loopEditVOpen = false;
+void OneLoopVC::removEditView() {
+    if (!_loopEditV) return;
+    // The panel calls this from its own Done or Cancel: it must outlive the call.
+    m_closedLoopEditV = std::move(_loopEditV);
     emit nameFolderPanelChanged();
     refreshNavigationBar();
 }

@@ -5,6 +5,8 @@
 // into the user's loops on its first edit and the screen carries on with the
 // copy, still playing.
 #include <QList>
+#include <QQmlListProperty>
+#include <QRectF>
 #include <QString>
 #include <QTimer>
 #include <array>
@@ -13,6 +15,8 @@
 
 #include "playback/MainThreadDelegates.h"
 #include "playback/PlayerDelegates.h"
+#include "screens/lists/panels/LoopOrFolderEditView.h"
+#include "screens/lists/panels/NameAndFolderDelegate.h"
 #include "screens/loopeditor/InstrumentView.h"
 #include "screens/loopeditor/OneLoopOrTrackVC.h"
 #include "screens/loopeditor/internal/LoopTile.h"
@@ -32,13 +36,14 @@ public:
 class OneLoopVC : public OneLoopOrTrackVC,
                   public LoopplayerDelegate,
                   public VolumeViewDelegate,
-                  public InstrumentViewDelegate {
+                  public InstrumentViewDelegate,
+                  public NameAndFolderDelegate {
     Q_OBJECT
     QML_ELEMENT
     // Setting it opens that loop and starts playing it.
     Q_PROPERTY(QString loopName READ loopName WRITE setLoopName NOTIFY loopChanged)
     Q_PROPERTY(bool loopPreloaded READ loopPreloaded NOTIFY loopChanged)
-    Q_PROPERTY(QList<QObject*> tiles READ tiles CONSTANT)
+    Q_PROPERTY(QQmlListProperty<LoopTile> tiles READ tilesList CONSTANT)
     Q_PROPERTY(int instrumentCount READ instrumentCount NOTIFY tilesChanged)
     // The add tile's cell, -1 with eight instruments.
     Q_PROPERTY(int addTileCell READ addTileCell NOTIFY tilesChanged)
@@ -56,6 +61,8 @@ class OneLoopVC : public OneLoopOrTrackVC,
     // Whether the sound editor panel can be shown (its module is part of the program).
     Q_PROPERTY(bool soundPanelAvailable READ soundPanelAvailable WRITE setSoundPanelAvailable NOTIFY soundPanelChanged)
     Q_PROPERTY(bool nameFolderPanelOpen READ nameFolderPanelOpen NOTIFY nameFolderPanelChanged)
+    // The name-and-folder panel while it is open.
+    Q_PROPERTY(LoopOrFolderEditView* loopEditV READ loopEditV NOTIFY nameFolderPanelChanged)
     Q_PROPERTY(QString loopFolderName READ loopFolderName NOTIFY loopChanged)
 
 public:
@@ -75,7 +82,8 @@ public:
     void setLoopName(const QString& name);
     bool loopPreloaded() const;
     QString loopFolderName() const;
-    QList<QObject*> tiles() const { return m_tileObjects; }
+    QList<LoopTile*> tiles() const { return m_tileObjects; }
+    QQmlListProperty<LoopTile> tilesList() { return {this, &m_tileObjects}; }
     int instrumentCount() const;
     int addTileCell() const { return m_addTileCell; }
     bool addTileShown() const { return m_addTileShown; }
@@ -87,7 +95,8 @@ public:
     QString soundPanelSoundName() const { return m_soundPanelSoundName; }
     bool soundPanelAvailable() const { return m_soundPanelAvailable; }
     void setSoundPanelAvailable(bool available);
-    bool nameFolderPanelOpen() const { return _loopEditVOpen; }
+    bool nameFolderPanelOpen() const { return _loopEditV != nullptr; }
+    LoopOrFolderEditView* loopEditV() const { return _loopEditV.get(); }
 
     Loop* loop() const { return m_loop; }
     Loopplayer* loopplayer() const { return _loopplayer.get(); }
@@ -96,20 +105,28 @@ public:
     int slotOfTile(int tileIndex) const;
     bool choiceTimerActive() const { return addFromDeleterTimer.isActive(); }
 
+    // Where the tile (or add tile) of a grid cell goes, in the screen's
+    // coordinates; the grid leaves room for the bar above and the bottom panel.
+    Q_INVOKABLE QRectF tileFrame(int cell) const;
+    // A choice button's spot inside the add tile's cell (0: list, 1: microphone).
+    Q_INVOKABLE QRectF choiceButtonFrame(int type) const;
+
     // A tile was tapped (its index in `tiles`).
     Q_INVOKABLE void instrPressed(int tileIndex);
     Q_INVOKABLE void newInstrumentPressed();
     // 0: from the list, 1: from the microphone.
     Q_INVOKABLE void typeOfNewInstrButtonPressed(int type);
-    Q_INVOKABLE static QString imageNameForTypeOfNewInstrButton(int type);
+    Q_INVOKABLE QString imageNameForTypeOfNewInstrButton(int type) const;
     Q_INVOKABLE void hideAndThenDeleteAllTypesOfNewInstrButtons();
     // The two-finger tap: plain -> volume -> photos -> plain.
     Q_INVOKABLE void doubleTouch();
     Q_INVOKABLE void removeInstrView();
     void shareButtonTapped() override;
     void navBarTapped() override;
-    Q_INVOKABLE void closeNameFolderPanel();
-    Q_INVOKABLE void applyName(const QString& name, const QString& folderName);
+    Q_INVOKABLE void closeNameFolderPanel() { removEditView(); }
+    // NameAndFolderDelegate
+    void applyName(const QString& name, const QString& folderName) override;
+    void removEditView() override;
     // The sound editor panel's results.
     Q_INVOKABLE void micPressed();
     Q_INVOKABLE void soundWasAddedOrEdited(const QString& soundName);
@@ -155,7 +172,7 @@ protected:
     void applyDelete() override;
     void tempoChanged(float bpm) override;
     void willLeave() override;
-    bool panelHidesNavigationBar() const override { return _loopEditVOpen || m_soundPanelOpen || _exportOpen; }
+    bool panelHidesNavigationBar() const override { return _loopEditV || m_soundPanelOpen || _exportOpen; }
     void bpmViewEnlargedChanged(bool enlarged) override;
 
 private:
@@ -175,7 +192,7 @@ private:
     std::shared_ptr<Loopplayer> _loopplayer;
     std::unique_ptr<LoopplayerMainThreadDelegate> m_bridge;
     std::array<LoopTile*, kMaxInstruments> _instrButtons{};
-    QList<QObject*> m_tileObjects;
+    QList<LoopTile*> m_tileObjects;
     std::unique_ptr<InstrumentView> _instrV;
     std::unique_ptr<InstrumentView> m_closedInstrV;  // kept until the view has let go of it
     std::shared_ptr<AudioFileLoaderOperation> _tempFile;
@@ -188,5 +205,6 @@ private:
     bool m_soundPanelOpen = false;
     QString m_soundPanelSoundName;
     bool m_soundPanelAvailable = false;
-    bool _loopEditVOpen = false;
+    std::unique_ptr<LoopOrFolderEditView> _loopEditV;
+    std::unique_ptr<LoopOrFolderEditView> m_closedLoopEditV;  // kept until the view has let go of it
 };

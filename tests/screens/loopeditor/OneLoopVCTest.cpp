@@ -78,7 +78,7 @@ TEST_F(OneLoopVCTest, DeletingZeroAndTwoOfFourClosesTheGapInStoreTilesAndPlayer)
     EXPECT_EQ(tileIndexAtSlot(0), tile1);
     EXPECT_EQ(tileIndexAtSlot(1), tile3);
     int shown = 0;
-    for (QObject* t : vc->tiles()) shown += static_cast<LoopTile*>(t)->present();
+    for (LoopTile* t : vc->tiles()) shown += t->present();
     EXPECT_EQ(shown, 2) << "the deleted tiles are gone";
     EXPECT_EQ(vc->addTileCell(), 2);
     EXPECT_TRUE(vc->addTileShown());
