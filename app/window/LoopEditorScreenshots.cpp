@@ -57,7 +57,9 @@ void addLoopEditorScreenshots(ScreenshotRunner& runner, QuilloWindow& window) {
         vc->instrPressed(vc->tiles().indexOf(vc->tileAtSlot(0)));
         vc->animateTact(6);
     });
+    shot("loop-editor-sound-panel", [](OneLoopVC* vc) { vc->editInstrPressed(); });
     shot("loop-editor-deleting", [](OneLoopVC* vc) {
+        vc->removeSoundView();
         vc->removeInstrView();
         vc->trashOkPressed();
         vc->instrPressed(vc->tiles().indexOf(vc->tileAtSlot(2)));

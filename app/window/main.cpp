@@ -12,6 +12,7 @@
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
 
 int main(int argc, char** argv) {
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);

@@ -512,7 +512,8 @@ void OneLoopVC::soundWasAddedOrEdited(const QString& soundName) {
 }
 
 void OneLoopVC::soundRecordingWasCancelled() {
-    if (!_instrV) return;
+    // Only a recording for a new sound takes its fresh instrument away.
+    if (!_instrV || !m_soundPanelOpen || !m_soundPanelSoundName.isEmpty()) return;
     const auto& instruments = m_loop->instruments();
     const auto it = std::find(instruments.begin(), instruments.end(), _instrV->instrument());
     if (it == instruments.end()) return;

@@ -15,7 +15,7 @@ StackScreen {
     property string loopName
     readonly property OneLoopVC controller: vc
     // Panels that other screen areas provide; absent until they are linked in.
-    readonly property url soundPanelUrl: "qrc:/qt/qml/Quillo/SoundEditor/SoundView.qml"
+    readonly property url soundPanelUrl: "qrc:/qt/qml/Quillo/SoundEditor/SoundPanel.qml"
     readonly property url exportUrl: "qrc:/qt/qml/Quillo/Export/ExportView.qml"
 
     title: vc.title
@@ -47,12 +47,12 @@ StackScreen {
     Component.onCompleted: vc.soundPanelAvailable = exists(soundPanelUrl)
     StackView.onActivated: vc.removeExportVC()
 
-    Shortcut { sequence: "Space"; enabled: view.StackView.status === StackView.Active; onActivated: vc.pausePressed() }
-    Shortcut { sequence: "Delete"; enabled: view.StackView.status === StackView.Active; onActivated: vc.trashOkPressed() }
-    Shortcut { sequence: "M"; enabled: view.StackView.status === StackView.Active; onActivated: vc.doubleTouch() }
+    Shortcut { sequence: "Space"; enabled: view.StackView.status === StackView.Active && !vc.soundPanelOpen; onActivated: vc.pausePressed() }
+    Shortcut { sequence: "Delete"; enabled: view.StackView.status === StackView.Active && !vc.soundPanelOpen; onActivated: vc.trashOkPressed() }
+    Shortcut { sequence: "M"; enabled: view.StackView.status === StackView.Active && !vc.soundPanelOpen; onActivated: vc.doubleTouch() }
     Shortcut {
         sequence: "Escape"
-        enabled: view.StackView.status === StackView.Active
+        enabled: view.StackView.status === StackView.Active && !vc.soundPanelOpen
         onActivated: {
             if (vc.nameFolderPanelOpen) vc.closeNameFolderPanel();
             else if (vc.instrumentView) vc.removeInstrView();
@@ -253,23 +253,30 @@ StackScreen {
         color: Colorer.backgColor
         z: 20
     }
+    // The sound panel grows out of the open instrument's photo spot (the
+    // last tile's for a new recording).
     Loader {
         id: soundPanel
         objectName: "soundPanelLoader"
         anchors.fill: parent
         z: 21
         active: vc.soundPanelOpen && vc.soundPanelAvailable
-        onLoaded: {
-            item.soundName = vc.soundPanelSoundName;
+        onActiveChanged: if (active) {
+            const spot = vc.tileFrame(Math.max(0, vc.instrumentCount - 1));
+            setSource(view.soundPanelUrl, { soundName: vc.soundPanelSoundName,
+                                            startFrame: Qt.rect(spot.x, spot.y, spot.height, spot.height) });
         }
-        Component.onCompleted: setSource(view.soundPanelUrl)
     }
     Connections {
         target: soundPanel.item
         ignoreUnknownSignals: true
-        function onSoundWasAddedOrEdited(name) { vc.soundWasAddedOrEdited(name); }
-        function onSoundRecordingWasCancelled() { vc.soundRecordingWasCancelled(); }
-        function onRemoveSoundView() { vc.removeSoundView(); }
+        function onFinished(result, soundName) {
+            if (result === "created" || result === "edited")
+                vc.soundWasAddedOrEdited(soundName);
+            else if (result === "cancelled")
+                vc.soundRecordingWasCancelled();
+        }
+        function onClosed() { vc.removeSoundView(); }
     }
 
     Repeater {
