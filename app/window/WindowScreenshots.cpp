@@ -2,6 +2,7 @@
 
 #include <QQuickWindow>
 
+#include "app/window/LoopEditorScreenshots.h"
 #include "app/window/QuilloWindow.h"
 #include "app/window/ScreenshotRunner.h"
 
@@ -15,6 +16,7 @@ void addWindowScreenshots(ScreenshotRunner& runner, QuilloWindow& window) {
                     w->rootScreens()->anchorTopViewToRight();
                     return w->window();
                 }});
+    addLoopEditorScreenshots(runner, window);
     // A desktop-sized window: the menu keeps its width, the list takes the rest.
     runner.add({QStringLiteral("window-wide-side-menu"), [w] {
                     w->window()->resize(1280, 800);

@@ -23,6 +23,7 @@
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
 
 namespace {
