@@ -1,0 +1,130 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Quillo.Kit
+import Quillo.Lists
+import Quillo.TrackEditor
+
+// The track editor screen: the row heads on the left, the scrolling area of
+// squares on the right, the bottom panel (tempo, play/pause, trash/OK) and,
+// while a row is open, the row view above the panel.
+StackScreen {
+    id: view
+
+    property string trackName
+    readonly property OneTrackVC controller: vc
+
+    title: vc.title
+    leftBarButton: "formenu"
+    navigationBarHidden: vc.navigationBarHidden
+    Accessible.name: title
+    focus: true
+
+    onLeftBarButtonTapped: vc.menuButtonTapped()
+    StackView.onRemoved: vc.menuButtonTapped()
+
+    Keys.onSpacePressed: vc.pausePressed()
+    Keys.onDeletePressed: vc.trashOkPressed()
+    Keys.onEscapePressed: {
+        if (vc.trackloopView) vc.trashOkPressed()
+        else if (vc.deleting) vc.trashOkPressed()
+        else vc.menuButtonTapped()
+    }
+    Keys.onPressed: (event) => { if (event.key === Qt.Key_M) { vc.doubleTouch(); event.accepted = true } }
+
+    OneTrackVC {
+        id: vc
+        trackName: view.trackName
+        onLeaveRequested: if (view.StackView.view && view.StackView.view.depth > 1) view.StackView.view.pop()
+        onOpenLoopRequested: (loopName) => view.openInStack("qrc:/qt/qml/Quillo/LoopEditor/OneLoopView.qml",
+                                                            { loopName: loopName, backArrow: true })
+        onShareRequested: (name) => view.openInStack("qrc:/qt/qml/Quillo/Export/ExportView.qml",
+                                                     { kind: "track", name: name })
+    }
+
+    // Pushes another screen's view when its module is linked; says so otherwise.
+    function openInStack(url, properties) {
+        const component = Qt.createComponent(url)
+        if (component.status !== Component.Ready) {
+            console.log("Not available:", url)
+            return
+        }
+        if (view.StackView.view) view.StackView.view.push(component, properties)
+    }
+
+    Rectangle { anchors.fill: parent; color: "white" }
+
+    TrackSquaresArea {
+        id: area
+        objectName: "squaresArea"
+        controller: vc
+        z: vc.leftVOnscreen ? 1 : 2
+    }
+
+    TrackRowHeads {
+        objectName: "rowHeads"
+        controller: vc
+        z: vc.leftVOnscreen ? 2 : 1
+    }
+
+    // Two-finger tap (right click with a mouse): the heads slide out or in.
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: vc.doubleTouch()
+    }
+    TapHandler {
+        minimumPointCount: 2
+        maximumPointCount: 2
+        onTapped: vc.doubleTouch()
+    }
+
+    TrackLoopPanel {
+        objectName: "trackLoopPanel"
+        visible: vc.trackloopView !== null
+        rowView: vc.trackloopView
+        x: 0
+        y: 0
+        width: parent.width
+        height: Framr.allSpaceAboveBottom.height
+        z: 5
+    }
+
+    // The bottom panel and the strip under it.
+    Rectangle {
+        id: panel
+        objectName: "bottomPanel"
+        x: Framr.ffBottomPanel.x
+        y: Framr.ffBottomPanel.y
+        width: Framr.ffBottomPanel.width
+        height: Framr.ffBottomPanel.height + 300
+        color: vc.panelColor
+        z: 6
+
+        ImageButton {
+            objectName: "pauseButton"
+            x: Framr.ffPauseButton.x; y: Framr.ffPauseButton.y
+            width: Framr.ffPauseButton.width; height: Framr.ffPauseButton.height
+            image: vc.pauseImage
+            color: vc.trackloopView ? Colorer.backgColor : Colorer.mainColor
+            onClicked: vc.pausePressed()
+        }
+        ImageButton {
+            objectName: "trashOkButton"
+            x: Framr.ffOkButton.x; y: Framr.ffOkButton.y
+            width: Framr.ffOkButton.width; height: Framr.ffOkButton.height
+            image: vc.trashImage
+            color: vc.trackloopView ? Colorer.backgColor : Colorer.mainColor
+            onClicked: vc.trashOkPressed()
+        }
+        LAAdjustViewItem {
+            objectName: "bpmView"
+            adjuster: vc.bpmView
+        }
+    }
+
+    // The number of squares, enlarged over everything while it is open.
+    Loader {
+        active: vc.sqNumView !== null
+        z: 10
+        sourceComponent: LAAdjustViewItem { objectName: "squaresNumView"; adjuster: vc.sqNumView }
+    }
+}
