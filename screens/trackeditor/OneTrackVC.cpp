@@ -70,7 +70,7 @@ bool OneTrackVC::userTrack() const { return track_ && !track_->preloaded(); }
 
 void OneTrackVC::touched() {
     ++revision_;
-    emit changed();
+    emit editsChanged();
 }
 
 TrackLoop* OneTrackVC::rowAt(int row) const {

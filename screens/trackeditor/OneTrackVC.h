@@ -40,13 +40,13 @@ class OneTrackVC : public QObject,
     Q_PROPERTY(QString trackName READ trackName WRITE setTrackName NOTIFY trackChanged)
     Q_PROPERTY(QString title READ trackName NOTIFY trackChanged)
     Q_PROPERTY(bool userTrack READ userTrack NOTIFY trackChanged)
-    Q_PROPERTY(int revision READ revision NOTIFY changed)
-    Q_PROPERTY(int rowCount READ rowCount NOTIFY changed)
-    Q_PROPERTY(int squaresnum READ squaresnum NOTIFY changed)
-    Q_PROPERTY(bool canAddRow READ canAddRow NOTIFY changed)
+    Q_PROPERTY(int revision READ revision NOTIFY editsChanged)
+    Q_PROPERTY(int rowCount READ rowCount NOTIFY editsChanged)
+    Q_PROPERTY(int squaresnum READ squaresnum NOTIFY editsChanged)
+    Q_PROPERTY(bool canAddRow READ canAddRow NOTIFY editsChanged)
     Q_PROPERTY(bool paused READ paused NOTIFY pausedChanged)
-    Q_PROPERTY(bool deleting READ deleting NOTIFY changed)
-    Q_PROPERTY(QVariantList rowsToDelete READ rowsToDelete NOTIFY changed)
+    Q_PROPERTY(bool deleting READ deleting NOTIFY editsChanged)
+    Q_PROPERTY(QVariantList rowsToDelete READ rowsToDelete NOTIFY editsChanged)
     Q_PROPERTY(bool leftVOnscreen READ leftVOnscreen NOTIFY leftVOnscreenChanged)
     Q_PROPERTY(int playingSq READ playingSq NOTIFY playPositionChanged)
     Q_PROPERTY(int playingTact READ playingTact NOTIFY playPositionChanged)
@@ -56,7 +56,7 @@ class OneTrackVC : public QObject,
     Q_PROPERTY(int openRow READ openRow NOTIFY trackloopViewChanged)
     Q_PROPERTY(QColor panelColor READ panelColor NOTIFY panelColorChanged)
     Q_PROPERTY(QString pauseImage READ pauseImage NOTIFY pausedChanged)
-    Q_PROPERTY(QString trashImage READ trashImage NOTIFY changed)
+    Q_PROPERTY(QString trashImage READ trashImage NOTIFY editsChanged)
     Q_PROPERTY(bool navigationBarHidden READ navigationBarHidden NOTIFY navigationBarHiddenChanged)
     Q_PROPERTY(double scrollX READ scrollX WRITE setScrollX NOTIFY scrollXChanged)
     Q_PROPERTY(double visibleWidth READ visibleWidth WRITE setVisibleWidth)
@@ -183,7 +183,7 @@ public:
 
 signals:
     void trackChanged();
-    void changed();
+    void editsChanged();
     void pausedChanged();
     void leftVOnscreenChanged();
     void playPositionChanged();

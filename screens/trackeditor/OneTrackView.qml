@@ -66,14 +66,9 @@ StackScreen {
         z: vc.leftVOnscreen ? 2 : 1
     }
 
-    // Two-finger tap (right click with a mouse): the heads slide out or in.
+    // Right click (or the M key): the heads slide out or in.
     TapHandler {
         acceptedButtons: Qt.RightButton
-        onTapped: vc.doubleTouch()
-    }
-    TapHandler {
-        minimumPointCount: 2
-        maximumPointCount: 2
         onTapped: vc.doubleTouch()
     }
 

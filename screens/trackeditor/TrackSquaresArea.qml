@@ -20,7 +20,7 @@ Flickable {
     clip: true
     flickableDirection: Flickable.HorizontalFlick
     boundsBehavior: Flickable.StopAtBounds
-    contentWidth: { controller.revision; return controller.contentWidth() }
+    contentWidth: controller.revision < 0 ? 0 : controller.contentWidth()
     contentHeight: height
     Behavior on x { NumberAnimation { duration: 300; easing.type: Easing.InOutQuad } }
     Behavior on width { NumberAnimation { duration: 300; easing.type: Easing.InOutQuad } }
@@ -67,7 +67,7 @@ Flickable {
             Item {
                 id: line
                 required property int index
-                readonly property bool marked: { area.controller.revision; return area.controller.rowsToDelete.indexOf(index) >= 0 }
+                readonly property bool marked: area.controller.revision < 0 ? null : area.controller.rowsToDelete.indexOf(index) >= 0
                 visible: !marked
                 Repeater {
                     model: area.controller.squaresnum
@@ -76,7 +76,7 @@ Flickable {
                         readonly property rect f: area.controller.squareFrame(line.index, index)
                         x: f.x; y: f.y; width: f.width; height: f.height
                         radius: 4
-                        color: { area.controller.revision; return area.controller.squareColor(line.index, index) }
+                        color: area.controller.revision < 0 ? null : area.controller.squareColor(line.index, index)
                     }
                 }
             }
@@ -84,7 +84,7 @@ Flickable {
 
         ColorButton {
             objectName: "squaresNumButton"
-            readonly property rect f: { area.controller.revision; return area.controller.squaresNumFrame() }
+            readonly property rect f: area.controller.revision < 0 ? null : area.controller.squaresNumFrame()
             x: f.x; y: f.y; width: f.width; height: f.height
             scale: area.controller.deleting ? 0 : 1
             text: "%1".arg(area.controller.squaresnum)
@@ -94,7 +94,7 @@ Flickable {
 
         Rectangle {
             objectName: "playMarker"
-            readonly property rect f: area.controller.markerFrame()
+            readonly property rect f: area.controller.playingSq < 0 || area.controller.playingTact < 0 ? Qt.rect(0, 0, 0, 0) : area.controller.markerFrame()
             x: f.x; y: f.y; width: f.width; height: f.height
             color: Qt.rgba(Colorer.backgColor.r, Colorer.backgColor.g, Colorer.backgColor.b, 0.5)
         }
