@@ -84,6 +84,30 @@ public:
     // A dot on the inner circle's rim at the step's place, step 0 at the top, clockwise.
     static QRectF ffIndiktViewOn(const QRectF& circle, uint16_t tact);
 
+    // Name-and-folder panel and its folder chooser, in screen coordinates.
+    // A sound's panel puts name and folder at the top, above the waveform;
+    // a loop's, track's or folder's panel centres them.
+    static QRectF ffNameOfSound(bool forSound);
+    static QRectF ffFolderName(bool forSound);
+    // The folder icon inside the folder button (in the button's coordinates).
+    static QRectF ffFolderIcon(const QRectF& folderButton, bool sound);
+    static QRectF ffSoundFolderTable();
+    static QRectF ffSoundFolderAddButton();
+    static QRectF ffSoundFolderNameField();
+    static QRectF ffSoundFolderOkOrCancelButton(bool ok);
+
+    // Library lists and the side menu; cell frames are in the cell's coordinates.
+    static double heightForUsualCell();
+    static QRectF ffFolderCellTriangle();
+    static QRectF ffFolderCellFolderImg();
+    static QRectF ffFolderCellName();
+    static QRectF ffItemCellPlayButton();
+    static QRectF ffItemCellNameOrAuthor(bool author);
+    static QRectF ffSoundCellColor();
+    static QRectF ffLoopCellColor(int index);  // 8 tiles in two rows of four
+    static QRectF ffGlobalCellIcon();
+    static QRectF ffGlobalCellLabel();
+
 private:
     static double s_width;
     static double s_height;

@@ -63,6 +63,18 @@ class FramrAdapter : public QObject {
     QUILLO_FRAME(ffBPMfullScrn)
     QUILLO_FRAME(fullScrnCircle)
     QUILLO_FRAME(aboveNav)
+    // Library lists, side menu, name-and-folder panel.
+    QUILLO_LENGTH(heightForUsualCell)
+    QUILLO_FRAME(ffFolderCellTriangle)
+    QUILLO_FRAME(ffFolderCellFolderImg)
+    QUILLO_FRAME(ffFolderCellName)
+    QUILLO_FRAME(ffItemCellPlayButton)
+    QUILLO_FRAME(ffSoundCellColor)
+    QUILLO_FRAME(ffGlobalCellIcon)
+    QUILLO_FRAME(ffGlobalCellLabel)
+    QUILLO_FRAME(ffSoundFolderTable)
+    QUILLO_FRAME(ffSoundFolderAddButton)
+    QUILLO_FRAME(ffSoundFolderNameField)
 
 public:
     using QObject::QObject;
@@ -75,6 +87,12 @@ public:
     bool isIpad() const { return Framr::isIpad(); }
     bool isIphone4s() const { return Framr::isIphone4s(); }
 
+    Q_INVOKABLE QRectF ffItemCellNameOrAuthor(bool author) const { return Framr::ffItemCellNameOrAuthor(author); }
+    Q_INVOKABLE QRectF ffLoopCellColor(int index) const { return Framr::ffLoopCellColor(index); }
+    Q_INVOKABLE QRectF ffNameOfSound(bool forSound) const { return Framr::ffNameOfSound(forSound); }
+    Q_INVOKABLE QRectF ffFolderName(bool forSound) const { return Framr::ffFolderName(forSound); }
+    Q_INVOKABLE QRectF ffFolderIcon(const QRectF& button, bool sound) const { return Framr::ffFolderIcon(button, sound); }
+    Q_INVOKABLE QRectF ffSoundFolderOkOrCancelButton(bool ok) const { return Framr::ffSoundFolderOkOrCancelButton(ok); }
     Q_INVOKABLE QRectF tffsrtfsc(const QRectF& rect) const { return Framr::tffsrtfsc(rect); }
     Q_INVOKABLE QRectF ffExportFileNameLabelOfSound(bool ofSound) const {
         return Framr::ffExportFileNameLabelOfSound(ofSound);
