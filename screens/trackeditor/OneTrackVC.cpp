@@ -22,10 +22,9 @@ const char* const kNewRowLoop = "Easy beat 95";
 const char* const kBuiltInTracksFolder = "Built-in tracks";
 }  // namespace
 
-OneTrackVC::OneTrackVC(QObject* parent) : QObject(parent) {
-    bpmView_.setDelegate(this);
-    bpmView_.setInitialFrame(Framr::ffBpmButton());
-    bpmView_.setEnlargedFrame(Framr::ffBPMfullScrn());
+OneTrackVC::OneTrackVC(QObject* parent) : OneLoopOrTrackVC(parent) {
+    _bpmView->setInitialFrame(Framr::ffBpmButton());
+    _bpmView->setEnlargedFrame(Framr::ffBPMfullScrn());
     connect(&taps_, &TapCounter::tappedOnce, this, [this](QPointF p) { tappedOnce(p.x(), p.y()); });
     connect(&taps_, &TapCounter::tappedTwice, this, [this](QPointF p) { tappedTwice(p.x(), p.y()); });
     connect(&taps_, &TapCounter::tappedTrice, this, [this](QPointF p) { tappedTrice(p.x(), p.y()); });
@@ -55,11 +54,8 @@ void OneTrackVC::setTrackName(const QString& name) {
 void OneTrackVC::viewDidLoad(Track* track) {
     dropPlayer();
     track_ = track;
-    bpm_ = static_cast<float>(track->bpm());
-    bpmView_.setValue(bpm_);
-    paused_ = false;
-    deleting_ = false;
-    rowsToDelete_.clear();
+    setUpBase(static_cast<float>(track->bpm()));
+    setTitle(QString::fromStdString(track->name()));
     setupVolumeViews();
     emit trackChanged();
     touched();
@@ -83,7 +79,7 @@ int OneTrackVC::squaresnum() const { return track_ ? track_->squaresnum() : 0; }
 
 QVariantList OneTrackVC::rowsToDelete() const {
     QVariantList out;
-    for (int r : rowsToDelete_) out.append(r);
+    for (int r : _instrsToDelete) out.append(r);
     return out;
 }
 
@@ -94,19 +90,11 @@ int OneTrackVC::openRow() const {
     return it == rows.end() ? -1 : static_cast<int>(it - rows.begin());
 }
 
-QColor OneTrackVC::panelColor() const {
-    return trackloopV_ ? trackloopV_->color() : KitColorer::backgColor();
-}
-
-QString OneTrackVC::trashImage() const {
-    return deleting_ || trackloopV_ ? QStringLiteral("okButton") : QStringLiteral("trashButton");
-}
-
-bool OneTrackVC::navigationBarHidden() const {
+bool OneTrackVC::panelHidesNavigationBar() const {
     bool volumeEnlarged = false;
     for (const auto& v : ltrackVols_)
         if (v && v->fullscr()) volumeEnlarged = true;
-    return trackloopV_ || sqNumV_ || bpmView_.fullscr() || volumeEnlarged;
+    return sqNumV_ || volumeEnlarged;
 }
 
 void OneTrackVC::setScrollX(double x) {
@@ -165,7 +153,7 @@ void OneTrackVC::setupVolumeViews() {
         if (!v) {
             v = std::make_unique<VolumeView>();
             v->setDelegate(this);
-            connect(v.get(), &LAAdjustView::fullscrChanged, this, &OneTrackVC::navigationBarHiddenChanged);
+            connect(v.get(), &LAAdjustView::fullscrChanged, this, &OneTrackVC::refreshNavigationBar);
         }
         v->setValue(row->volume());
         // The column's coordinates: enlarged, it covers the whole screen.
@@ -212,20 +200,20 @@ void OneTrackVC::tapAt(double x, double y) { taps_.tap({x, y}); }
 
 void OneTrackVC::tappedOnce(double x, double y) {
     int row = 0, square = 0;
-    if (deleting_ || !isTouchedPoint({x, y}, &row, &square)) return;
+    if (_deleting || !isTouchedPoint({x, y}, &row, &square)) return;
     selectOrDeselectSquare(square, row);
 }
 
 void OneTrackVC::tappedTwice(double x, double y) {
     int row = 0, square = 0;
-    if (deleting_ || !isTouchedPoint({x, y}, &row, &square)) return;
+    if (_deleting || !isTouchedPoint({x, y}, &row, &square)) return;
     dropPlayer();
     startTrackFromSquare(static_cast<uint16_t>(square));
 }
 
 void OneTrackVC::tappedTrice(double x, double y) {
     int row = 0, square = 0;
-    if (deleting_ || !isTouchedPoint({x, y}, &row, &square)) return;
+    if (_deleting || !isTouchedPoint({x, y}, &row, &square)) return;
     selectOrDeselectWholeLoopTrack(row, square);
 }
 
@@ -276,9 +264,16 @@ void OneTrackVC::dropPlayer() {
     Trackplayer::stopTrack(player);
 }
 
+// The button's state only; the player is told by whoever calls this.
 void OneTrackVC::setPaused(bool paused) {
-    paused_ = paused;
+    if (_paused == paused) return;
+    _paused = paused;
     emit pausedChanged();
+}
+
+void OneTrackVC::setPlayerPaused(bool paused) {
+    if (trackplayer_) trackplayer_->setPausd(paused);
+    else if (!paused) startTrackFromSquare(0);
 }
 
 void OneTrackVC::stopTrackForChanges() {
@@ -286,19 +281,18 @@ void OneTrackVC::stopTrackForChanges() {
     playingSq_ = 0;
     playingTact_ = 0;
     emit playPositionChanged();
-    bpmView_.updateIndicatorViewForTact(0);
+    _bpmView->updateIndicatorViewForTact(0);
     dropPlayer();
 }
 
 void OneTrackVC::pausePressed() {
-    if (deleting_ || !track_) return;
+    if (_deleting || !track_) return;
     if (trackloopV_) {
         trackloopV_->playPausePressed();
         return;
     }
-    setPaused(!paused_);
-    if (trackplayer_) trackplayer_->setPausd(paused_);
-    else if (!paused_) startTrackFromSquare(0);
+    setPaused(!_paused);
+    setPlayerPaused(_paused);
 }
 
 void OneTrackVC::animatePlayingSquare(uint16_t square) {
@@ -313,7 +307,7 @@ void OneTrackVC::animatePlayingSquare(uint16_t square) {
 void OneTrackVC::animatePlayingTact(uint16_t step) {
     playingTact_ = step;
     emit playPositionChanged();
-    if (!trackloopV_) bpmView_.updateIndicatorViewForTact(step);
+    if (!trackloopV_) _bpmView->updateIndicatorViewForTact(step);
 }
 
 void OneTrackVC::trackFinishd() { stopTrackForChanges(); }
@@ -326,6 +320,7 @@ void OneTrackVC::copyTrackIfPreloadedForEditAndUpdateDate() {
         const int open = openRow();
         track_ = CoreDater::shIns().createUsersTrackThatCopyOfPreloadedTrack(track_);
         if (trackloopV_ && open >= 0) trackloopV_->setTrackloop(rowAt(open));
+        setTitle(QString::fromStdString(track_->name()));
         emit trackChanged();
     }
     CoreDater::updateDateOfTrack(track_);
@@ -335,15 +330,17 @@ void OneTrackVC::copyTrackIfPreloadedForEditAndUpdateDate() {
 // ---- Rows
 
 void OneTrackVC::trackLoopPressed(int row) {
-    if (deleting_) return;
+    if (_deleting) return;
     stopTrackForChanges();
     if (trackloopV_) return;
     TrackLoop* r = rowAt(row);
     if (!r) return;
     trackloopV_ = std::make_unique<TrackLoopView>(r, this);
+    setPanelColor(trackloopV_->color());
+    _bpmView->setTitleColor(KitColorer::backgColor());
     emit trackloopViewChanged();
-    emit panelColorChanged();
-    emit navigationBarHiddenChanged();
+    updateTrashImage();
+    refreshNavigationBar();
     touched();
 }
 
@@ -352,14 +349,16 @@ void OneTrackVC::removeTrackloopView() {
     trackloopV_->stopPreview();
     trackloopV_.reset();
     setPaused(true);
+    setPanelColor(KitColorer::backgColor());
+    _bpmView->setTitleColor(KitColorer::mainColor());
     emit trackloopViewChanged();
-    emit panelColorChanged();
-    emit navigationBarHiddenChanged();
+    updateTrashImage();
+    refreshNavigationBar();
     touched();
 }
 
 void OneTrackVC::loopWasChanged() {
-    emit panelColorChanged();
+    if (trackloopV_) setPanelColor(trackloopV_->color());
     touched();  // every head shows its loop's picture and colour again
 }
 
@@ -380,7 +379,7 @@ void OneTrackVC::loopEditorClosed(const QString& loopName) {
 void OneTrackVC::setPauseButtonToPaused(bool paused) { setPaused(paused); }
 
 void OneTrackVC::newLtPressed() {
-    if (deleting_ || !canAddRow()) return;
+    if (_deleting || !canAddRow()) return;
     auto& d = CoreDater::shIns();
     auto* loop = static_cast<Loop*>(d.findEntity("Loop", kNewRowLoop));
     if (!loop) {
@@ -416,13 +415,12 @@ void OneTrackVC::updateVolume(VolumeView* view) {
 void OneTrackVC::volumeViewPressed(VolumeView* view) {
     for (int r = 0; r < kMaxRows; ++r)
         if (ltrackVols_[static_cast<size_t>(r)].get() == view && view->fullscr()) emit volumeViewRaised(r);
-    emit navigationBarHiddenChanged();
+    refreshNavigationBar();
 }
 
 // ---- Tempo and length
 
-void OneTrackVC::updateBpm(float bpm) {
-    bpm_ = bpm;
+void OneTrackVC::tempoChanged(float bpm) {
     if (trackplayer_) trackplayer_->setNewBpm(bpm);
     copyTrackIfPreloadedForEditAndUpdateDate();
     track_->setBpm(static_cast<int16_t>(bpm));
@@ -431,7 +429,7 @@ void OneTrackVC::updateBpm(float bpm) {
 }
 
 void OneTrackVC::trackSquaresPressed() {
-    if (deleting_ || !track_ || sqNumV_) return;
+    if (_deleting || !track_ || sqNumV_) return;
     stopTrackForChanges();
     sqNumV_ = std::make_unique<SquaresNumView>();
     sqNumV_->setDelegate(this);
@@ -445,7 +443,7 @@ void OneTrackVC::trackSquaresPressed() {
     sqNumV_->setEnlargedFrame(Framr::fullScrnCircle());
     sqNumV_->enlargAdjustView();
     emit sqNumViewChanged();
-    emit navigationBarHiddenChanged();
+    refreshNavigationBar();
 }
 
 void OneTrackVC::updateSquaresNum(SquaresNumView* view) {
@@ -461,44 +459,33 @@ void OneTrackVC::squaresNumViewPressed(SquaresNumView* view) {
     // Deleted later: the view is inside its own call.
     sqNumV_.release()->deleteLater();
     emit sqNumViewChanged();
-    emit navigationBarHiddenChanged();
+    refreshNavigationBar();
     touched();
 }
 
 // ---- Deleting rows
 
-void OneTrackVC::trashOkPressed() {
-    if (trackloopV_) {
-        removeTrackloopView();
-        return;
-    }
-    if (rowCount() == 0) return;
-    deleting_ = !deleting_;
-    if (deleting_) startDeletion();
-    else applyDelete();
+void OneTrackVC::startDeletion() {
+    stopTrackForChanges();
+    _instrsToDelete.clear();
     touched();
 }
 
-void OneTrackVC::startDeletion() {
-    stopTrackForChanges();
-    rowsToDelete_.clear();
-}
-
 void OneTrackVC::trashButtonsPressed(int row) {
-    if (!deleting_ || !rowAt(row)) return;
-    if (std::find(rowsToDelete_.begin(), rowsToDelete_.end(), row) != rowsToDelete_.end()) return;
-    rowsToDelete_.push_back(row);
+    if (!_deleting || !rowAt(row)) return;
+    if (std::find(_instrsToDelete.begin(), _instrsToDelete.end(), row) != _instrsToDelete.end()) return;
+    _instrsToDelete.push_back(row);
     touched();
 }
 
 void OneTrackVC::applyDelete() {
-    if (!rowsToDelete_.empty()) {
+    if (!_instrsToDelete.empty()) {
         copyTrackIfPreloadedForEditAndUpdateDate();
         auto& d = CoreDater::shIns();
         std::vector<TrackLoop*> kept;
         const std::vector<TrackLoop*> rows = track_->trackloops();
         for (size_t i = 0; i < rows.size(); ++i) {
-            if (std::find(rowsToDelete_.begin(), rowsToDelete_.end(), static_cast<int>(i)) == rowsToDelete_.end()) {
+            if (std::find(_instrsToDelete.begin(), _instrsToDelete.end(), static_cast<int>(i)) == _instrsToDelete.end()) {
                 kept.push_back(rows[i]);
                 continue;
             }
@@ -508,8 +495,9 @@ void OneTrackVC::applyDelete() {
         track_->setTrackloops(kept);
         d.save();
     }
-    rowsToDelete_.clear();
+    _instrsToDelete.clear();
     setupVolumeViews();
+    touched();
 }
 
 // ---- Screen
@@ -535,17 +523,19 @@ void OneTrackVC::applyName(const QString& qname, const QString& qfolder) {
     if (folder != oldFolder && folder != kBuiltInTracksFolder)
         track_->setInFolder(CoreDater::shIns().trackFolder(folder));
     CoreDater::shIns().save();
+    setTitle(QString::fromStdString(track_->name()));
     emit trackChanged();
 }
 
 void OneTrackVC::shareButtonTapped() {
     if (!track_) return;
-    if (!paused_) pausePressed();
-    emit shareRequested(trackName());
+    if (!_paused) pausePressed();
+    _exportOpen = true;
+    refreshNavigationBar();
+    emit exportRequested(QStringLiteral("track"), trackName(), KitColorer::mainColor());
 }
 
-void OneTrackVC::menuButtonTapped() {
+void OneTrackVC::willLeave() {
     trackloopV_.reset();
     dropPlayer();
-    emit leaveRequested();
 }

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "playback/PlayerDelegates.h"
-#include "screens/kit/BpmView.h"
+#include "screens/loopeditor/OneLoopOrTrackVC.h"
 #include "screens/kit/SquaresNumView.h"
 #include "screens/kit/VolumeView.h"
 #include "screens/trackeditor/TrackLoopView.h"
@@ -29,35 +29,26 @@ class TrackLoop;
 class Trackplayer;
 class TrackplayerMainThreadDelegate;
 
-class OneTrackVC : public QObject,
+class OneTrackVC : public OneLoopOrTrackVC,
                    public TrackplayerDelegate,
                    public TrackLoopViewDelegate,
-                   public BpmViewDelegate,
                    public VolumeViewDelegate,
                    public SquaresNumViewDelegate {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString trackName READ trackName WRITE setTrackName NOTIFY trackChanged)
-    Q_PROPERTY(QString title READ trackName NOTIFY trackChanged)
     Q_PROPERTY(bool userTrack READ userTrack NOTIFY trackChanged)
     Q_PROPERTY(int revision READ revision NOTIFY editsChanged)
     Q_PROPERTY(int rowCount READ rowCount NOTIFY editsChanged)
     Q_PROPERTY(int squaresnum READ squaresnum NOTIFY editsChanged)
     Q_PROPERTY(bool canAddRow READ canAddRow NOTIFY editsChanged)
-    Q_PROPERTY(bool paused READ paused NOTIFY pausedChanged)
-    Q_PROPERTY(bool deleting READ deleting NOTIFY editsChanged)
     Q_PROPERTY(QVariantList rowsToDelete READ rowsToDelete NOTIFY editsChanged)
     Q_PROPERTY(bool leftVOnscreen READ leftVOnscreen NOTIFY leftVOnscreenChanged)
     Q_PROPERTY(int playingSq READ playingSq NOTIFY playPositionChanged)
     Q_PROPERTY(int playingTact READ playingTact NOTIFY playPositionChanged)
-    Q_PROPERTY(BpmView* bpmView READ bpmView CONSTANT)
     Q_PROPERTY(SquaresNumView* sqNumView READ sqNumView NOTIFY sqNumViewChanged)
     Q_PROPERTY(TrackLoopView* trackloopView READ trackloopView NOTIFY trackloopViewChanged)
     Q_PROPERTY(int openRow READ openRow NOTIFY trackloopViewChanged)
-    Q_PROPERTY(QColor panelColor READ panelColor NOTIFY panelColorChanged)
-    Q_PROPERTY(QString pauseImage READ pauseImage NOTIFY pausedChanged)
-    Q_PROPERTY(QString trashImage READ trashImage NOTIFY editsChanged)
-    Q_PROPERTY(bool navigationBarHidden READ navigationBarHidden NOTIFY navigationBarHiddenChanged)
     Q_PROPERTY(double scrollX READ scrollX WRITE setScrollX NOTIFY scrollXChanged)
     Q_PROPERTY(double visibleWidth READ visibleWidth WRITE setVisibleWidth)
     Q_PROPERTY(double heiForTrackLoop READ heiForTrackLoop CONSTANT)
@@ -81,20 +72,13 @@ public:
     int rowCount() const;
     int squaresnum() const;
     bool canAddRow() const { return track_ && rowCount() < kMaxRows; }
-    bool paused() const { return paused_; }
-    bool deleting() const { return deleting_; }
     QVariantList rowsToDelete() const;
     bool leftVOnscreen() const { return leftVOnscreen_; }
     int playingSq() const { return playingSq_; }
     int playingTact() const { return playingTact_; }
-    BpmView* bpmView() { return &bpmView_; }
     SquaresNumView* sqNumView() const { return sqNumV_.get(); }
     TrackLoopView* trackloopView() const { return trackloopV_.get(); }
     int openRow() const;
-    QColor panelColor() const;
-    QString pauseImage() const { return paused_ ? QStringLiteral("playButton") : QStringLiteral("pauseButton"); }
-    QString trashImage() const;
-    bool navigationBarHidden() const;
     double scrollX() const { return scrollX_; }
     void setScrollX(double x);
     double visibleWidth() const { return visibleWidth_; }
@@ -140,17 +124,17 @@ public:
     Q_INVOKABLE void tappedTrice(double x, double y);
     TapCounter* tapCounter() { return &taps_; }
 
-    Q_INVOKABLE void pausePressed();
-    Q_INVOKABLE void trashOkPressed();
     Q_INVOKABLE void trackLoopPressed(int row);
     Q_INVOKABLE void newLtPressed();
     Q_INVOKABLE void trackSquaresPressed();
     Q_INVOKABLE void trashButtonsPressed(int row);
     Q_INVOKABLE void doubleTouch();
-    Q_INVOKABLE void navBarTapped();
-    Q_INVOKABLE void menuButtonTapped();
-    Q_INVOKABLE void shareButtonTapped();
+    Q_INVOKABLE void navBarTapped() override;
+    Q_INVOKABLE void shareButtonTapped() override;
     Q_INVOKABLE void applyName(const QString& name, const QString& folder);
+    // Play/pause: with a row open it plays or stops the row's preview; with
+    // the track stopped it plays from square 0. Ignored while deleting.
+    Q_INVOKABLE void pausePressed();
     // The loop editor opened on a row closed with this loop (maybe a user copy).
     void loopChanged(Loop* loop);
     Q_INVOKABLE void loopEditorClosed(const QString& loopName);
@@ -170,12 +154,10 @@ public:
     void loopWasChanged() override;
     void openLoop(Loop* loop) override;
     void setPauseButtonToPaused(bool paused) override;
-    void animateTactOnBpmView(uint16_t tact) override { bpmView_.updateIndicatorViewForTact(tact); }
-    float trackBpm() const override { return bpm_; }
+    void animateTactOnBpmView(uint16_t tact) override { _bpmView->updateIndicatorViewForTact(tact); }
+    float trackBpm() const override { return _bpm; }
 
     // Adjusters.
-    void updateBpm(float bpm) override;
-    void bpmViewPressed() override { emit navigationBarHiddenChanged(); }
     void updateVolume(VolumeView* view) override;
     void volumeViewPressed(VolumeView* view) override;
     void updateSquaresNum(SquaresNumView* view) override;
@@ -184,20 +166,27 @@ public:
 signals:
     void trackChanged();
     void editsChanged();
-    void pausedChanged();
     void leftVOnscreenChanged();
     void playPositionChanged();
     void sqNumViewChanged();
     void trackloopViewChanged();
-    void panelColorChanged();
-    void navigationBarHiddenChanged();
     void scrollXChanged();
     void volumeViewRaised(int row);
     // Requests the view carries out.
-    void leaveRequested();
     void openLoopRequested(const QString& loopName);
-    void shareRequested(const QString& trackName);
     void namePanelRequested(const QString& name, const QString& folder);
+
+protected:
+    // The shared panel's questions and hooks.
+    void setPlayerPaused(bool paused) override;
+    bool hasItems() const override { return rowCount() > 0; }
+    bool itemViewOpen() const override { return trackloopV_ != nullptr; }
+    void removeItemView() override { removeTrackloopView(); }
+    void startDeletion() override;
+    void applyDelete() override;
+    void tempoChanged(float bpm) override;
+    void willLeave() override;
+    bool panelHidesNavigationBar() const override;
 
 private:
     void touched();
@@ -205,24 +194,17 @@ private:
     void selectOrDeselectWholeLoopTrack(int row, int square);
     void sendSquaresOfRow(int row);
     void setPaused(bool paused);
-    void startDeletion();
-    void applyDelete();
     void dropPlayer();
     TrackLoop* rowAt(int row) const;
     void setupVolumeViews();
 
     Track* track_ = nullptr;
-    float bpm_ = 90;
-    bool paused_ = false;
-    bool deleting_ = false;
     bool leftVOnscreen_ = true;
-    std::vector<int> rowsToDelete_;
     int revision_ = 0;
     uint16_t playingSq_ = 0;
     uint16_t playingTact_ = 0;
     double scrollX_ = 0;
     double visibleWidth_ = 0;
-    BpmView bpmView_;
     std::array<std::unique_ptr<VolumeView>, kMaxRows> ltrackVols_;
     std::unique_ptr<SquaresNumView> sqNumV_;
     std::unique_ptr<TrackLoopView> trackloopV_;

@@ -14,13 +14,22 @@ StackScreen {
     readonly property OneTrackVC controller: vc
 
     title: vc.title
-    leftBarButton: "formenu"
+    leftBarButton: vc.leftBarButton
     navigationBarHidden: vc.navigationBarHidden
     Accessible.name: title
     focus: true
 
     onLeftBarButtonTapped: vc.menuButtonTapped()
     StackView.onRemoved: vc.menuButtonTapped()
+    // Back from the loop editor opened on a row: the row takes the loop it
+    // closed with (a user copy made there replaces the built-in loop).
+    StackView.onActivated: {
+        if (view.loopEditor !== null) {
+            vc.loopEditorClosed(view.loopEditor.loopName)
+            view.loopEditor = null
+        }
+    }
+    property Item loopEditor: null
 
     Keys.onSpacePressed: vc.pausePressed()
     Keys.onDeletePressed: vc.trashOkPressed()
@@ -34,21 +43,23 @@ StackScreen {
     OneTrackVC {
         id: vc
         trackName: view.trackName
-        onLeaveRequested: if (view.StackView.view && view.StackView.view.depth > 1) view.StackView.view.pop()
-        onOpenLoopRequested: (loopName) => view.openInStack("qrc:/qt/qml/Quillo/LoopEditor/OneLoopView.qml",
-                                                            { loopName: loopName, backArrow: true })
-        onShareRequested: (name) => view.openInStack("qrc:/qt/qml/Quillo/Export/ExportView.qml",
-                                                     { kind: "track", name: name })
+        onCloseRequested: if (view.StackView.view && view.StackView.view.depth > 1) view.StackView.view.pop()
+        onOpenLoopRequested: (loopName) => {
+            view.loopEditor = view.openInStack("qrc:/qt/qml/Quillo/LoopEditor/OneLoopView.qml", { loopName: loopName })
+        }
+        onExportRequested: (kind, name, borderColor) => {
+            view.openInStack("qrc:/qt/qml/Quillo/Export/ExportView.qml", { kind: kind, name: name })
+        }
     }
 
     // Pushes another screen's view when its module is linked; says so otherwise.
-    function openInStack(url, properties) {
+    function openInStack(url, properties) : Item {
         const component = Qt.createComponent(url)
-        if (component.status !== Component.Ready) {
+        if (component.status !== Component.Ready || !view.StackView.view) {
             console.log("Not available:", url)
-            return
+            return null
         }
-        if (view.StackView.view) view.StackView.view.push(component, properties)
+        return view.StackView.view.push(component, properties)
     }
 
     Rectangle { anchors.fill: parent; color: "white" }
@@ -107,7 +118,7 @@ StackScreen {
             x: Framr.ffOkButton.x; y: Framr.ffOkButton.y
             width: Framr.ffOkButton.width; height: Framr.ffOkButton.height
             image: vc.trashImage
-            color: vc.trackloopView ? Colorer.backgColor : Colorer.mainColor
+            color: vc.trashTint
             onClicked: vc.trashOkPressed()
         }
         LAAdjustViewItem {

@@ -14,6 +14,7 @@
 
 Q_IMPORT_QML_PLUGIN(Quillo_TrackEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
 
 namespace {
 QQuickItem* findItem(QQuickItem* root, const QString& name) {
