@@ -7,10 +7,14 @@
 #include "app/window/LogRoute.h"
 #include "app/window/QuilloWindow.h"
 #include "app/window/ScreenshotRunner.h"
+#include "app/window/TrackEditorScreenshots.h"
 #include "app/window/WindowScreenshots.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_TrackEditorPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
 
 int main(int argc, char** argv) {
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
@@ -40,6 +44,7 @@ int main(int argc, char** argv) {
     if (!options.screenshotDir.isEmpty()) {
         ScreenshotRunner runner;
         addWindowScreenshots(runner, window);
+        addTrackEditorScreenshots(runner, window);
         return runner.run(options.screenshotDir) ? 0 : 1;
     }
     return QGuiApplication::exec();

@@ -25,6 +25,8 @@ const char* const kBuiltInTracksFolder = "Built-in tracks";
 OneTrackVC::OneTrackVC(QObject* parent) : OneLoopOrTrackVC(parent) {
     _bpmView->setInitialFrame(Framr::ffBpmButton());
     _bpmView->setEnlargedFrame(Framr::ffBPMfullScrn());
+    // The tempo shows on the adjuster's own colour in every panel colour.
+    _bpmView->setTitleColor(KitColorer::backgColor());
     connect(&taps_, &TapCounter::tappedOnce, this, [this](QPointF p) { tappedOnce(p.x(), p.y()); });
     connect(&taps_, &TapCounter::tappedTwice, this, [this](QPointF p) { tappedTwice(p.x(), p.y()); });
     connect(&taps_, &TapCounter::tappedTrice, this, [this](QPointF p) { tappedTrice(p.x(), p.y()); });
@@ -337,7 +339,6 @@ void OneTrackVC::trackLoopPressed(int row) {
     if (!r) return;
     trackloopV_ = std::make_unique<TrackLoopView>(r, this);
     setPanelColor(trackloopV_->color());
-    _bpmView->setTitleColor(KitColorer::backgColor());
     emit trackloopViewChanged();
     updateTrashImage();
     refreshNavigationBar();
@@ -350,7 +351,6 @@ void OneTrackVC::removeTrackloopView() {
     trackloopV_.reset();
     setPaused(true);
     setPanelColor(KitColorer::backgColor());
-    _bpmView->setTitleColor(KitColorer::mainColor());
     emit trackloopViewChanged();
     updateTrashImage();
     refreshNavigationBar();

@@ -90,18 +90,20 @@ StackScreen {
         x: 0
         y: 0
         width: parent.width
-        height: Framr.allSpaceAboveBottom.height
+        height: view.height - Framr.bottomPanelHei
         z: 5
     }
 
     // The bottom panel and the strip under it.
+    // The panel sits at the bottom of the screen whether the bar shows or not;
+    // the strip below it (300 points) keeps its colour during moves.
     Rectangle {
         id: panel
         objectName: "bottomPanel"
-        x: Framr.ffBottomPanel.x
-        y: Framr.ffBottomPanel.y
-        width: Framr.ffBottomPanel.width
-        height: Framr.ffBottomPanel.height + 300
+        x: 0
+        y: view.height - Framr.bottomPanelHei
+        width: view.width
+        height: Framr.bottomPanelHei + 300
         color: vc.panelColor
         z: 6
 

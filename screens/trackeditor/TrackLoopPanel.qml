@@ -58,6 +58,21 @@ Rectangle {
         onClicked: panel.choosingColor = !panel.choosingColor
     }
 
+    // The wheels follow the row view (a new row, another folder, a rebuilt picker).
+    function placeWheels() {
+        if (!panel.rowView) return
+        folders.positionViewAtIndex(panel.rowView.folderRow, Tumbler.Center)
+        loops.positionViewAtIndex(panel.rowView.loopRow, Tumbler.Center)
+        folders.currentIndex = panel.rowView.folderRow
+        loops.currentIndex = panel.rowView.loopRow
+    }
+    onRowViewChanged: Qt.callLater(panel.placeWheels)
+    onVisibleChanged: Qt.callLater(panel.placeWheels)
+    Connections {
+        target: panel.rowView
+        function onPickerChanged() { Qt.callLater(panel.placeWheels) }
+    }
+
     // The loop picker: "All loops" and the folders on the left, their loops on the right.
     Row {
         id: picker
@@ -71,7 +86,6 @@ Rectangle {
             id: folders
             width: picker.width / 2; height: picker.height
             model: panel.rowView ? panel.rowView.folders : []
-            currentIndex: panel.rowView ? panel.rowView.folderRow : 0
             delegate: Text {
                 required property var modelData
                 required property int index
@@ -89,7 +103,6 @@ Rectangle {
             id: loops
             width: picker.width / 2; height: picker.height
             model: panel.rowView ? panel.rowView.loops : []
-            currentIndex: panel.rowView ? panel.rowView.loopRow : 0
             delegate: Text {
                 required property var modelData
                 required property int index

@@ -66,11 +66,8 @@ QRectF TrackFramr::ffTrackSquaresNumBtn(int squaresnum) {
     return {squaresnum * h + h * 0.1, h * 0.1, h * 0.8, h * 0.8};
 }
 
-QRectF TrackFramr::ffTrackTrashImageForLt(int row) {
-    QRectF bg = ffTrackVolumeAndTitlBgForLt(row);
-    const double side = bg.height() * 0.7;
-    return {bg.width() - side - 8, bg.y() + (bg.height() - side) / 2, side, side};
-}
+// Where the volume was: the volume is hidden while deleting.
+QRectF TrackFramr::ffTrackTrashImageForLt(int row) { return ffTrackVolumeForLt(row); }
 
 QRectF TrackFramr::ffTrackPlayingSqIndicator(int square, int tact, int rows) {
     const double h = heiForTrackLoop();

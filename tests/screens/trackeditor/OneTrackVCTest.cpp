@@ -109,6 +109,9 @@ TEST_F(OneTrackVCTest, RowsComeAndGoAndTheAddButtonFollowsTheCount) {
     EXPECT_EQ(fresh->squares()[0]->squares(), 0);
     // The new row opens, and the track is stopped.
     EXPECT_EQ(c.openRow(), 1);
+    // Its picker stands on the row's loop.
+    ASSERT_NE(c.trackloopView(), nullptr);
+    EXPECT_EQ(c.trackloopView()->loops().value(c.trackloopView()->loopRow()), "Easy beat 95");
     EXPECT_FALSE(c.isPlaying());
     EXPECT_EQ(c.trashImage(), "okButton");
 
