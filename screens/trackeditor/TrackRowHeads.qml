@@ -29,8 +29,8 @@ Item {
         delegate: Item {
             id: head
             required property int index
-            readonly property bool marked: heads.controller.revision < 0 ? null : heads.controller.rowsToDelete.indexOf(index) >= 0
-            readonly property rect bg: heads.controller.revision < 0 ? null : heads.controller.headFrame(index)
+            readonly property bool marked: heads.controller.revision < 0 ? false : heads.controller.rowsToDelete.indexOf(index) >= 0
+            readonly property rect bg: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.headFrame(index)
             readonly property VolumeView volume: heads.controller.revision < 0 ? null : heads.controller.rowVolumeView(index)
             visible: !marked
 
@@ -38,16 +38,16 @@ Item {
                 objectName: "rowHead" + head.index
                 x: head.bg.x; y: head.bg.y; width: head.bg.width; height: head.bg.height
                 radius: 6
-                color: heads.controller.revision < 0 ? null : heads.controller.rowColor(head.index)
+                color: heads.controller.revision < 0 ? "transparent" : heads.controller.rowColor(head.index)
                 Accessible.role: Accessible.Button
                 Accessible.name: title.text
                 TapHandler { onTapped: heads.controller.trackLoopPressed(head.index) }
             }
             KitLabel {
                 id: title
-                readonly property rect f: heads.controller.revision < 0 ? null : heads.controller.titleFrame(head.index)
+                readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.titleFrame(head.index)
                 x: f.x; y: f.y; width: f.width; height: f.height
-                text: heads.controller.revision < 0 ? null : heads.controller.rowName(head.index)
+                text: heads.controller.revision < 0 ? "" : heads.controller.rowName(head.index)
                 horizontalAlignment: Text.AlignLeft
                 font.pixelSize: Math.max(Uier.minTextPixelSize, height * 0.3)
                 wrapMode: Text.WordWrap
@@ -55,8 +55,8 @@ Item {
             }
             // The loop's picture: one tile per instrument in its sound's colour.
             Grid {
-                readonly property rect f: heads.controller.revision < 0 ? null : heads.controller.pictureFrame(head.index)
-                readonly property var tiles: heads.controller.revision < 0 ? null : heads.controller.rowTileColors(head.index)
+                readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.pictureFrame(head.index)
+                readonly property var tiles: heads.controller.revision < 0 ? [] : heads.controller.rowTileColors(head.index)
                 x: f.x; y: f.y; width: f.width; height: f.height
                 columns: 2
                 spacing: 1
@@ -91,7 +91,7 @@ Item {
 
     ImageButton {
         objectName: "newRowButton"
-        readonly property rect f: heads.controller.revision < 0 ? null : heads.controller.newRowFrame()
+        readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.newRowFrame()
         visible: heads.controller.canAddRow && !heads.controller.deleting
         x: f.x; y: f.y; width: f.width; height: f.height
         image: "addButton"

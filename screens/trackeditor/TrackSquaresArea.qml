@@ -67,7 +67,7 @@ Flickable {
             Item {
                 id: line
                 required property int index
-                readonly property bool marked: area.controller.revision < 0 ? null : area.controller.rowsToDelete.indexOf(index) >= 0
+                readonly property bool marked: area.controller.revision < 0 ? false : area.controller.rowsToDelete.indexOf(index) >= 0
                 visible: !marked
                 Repeater {
                     model: area.controller.squaresnum
@@ -76,7 +76,7 @@ Flickable {
                         readonly property rect f: area.controller.squareFrame(line.index, index)
                         x: f.x; y: f.y; width: f.width; height: f.height
                         radius: 4
-                        color: area.controller.revision < 0 ? null : area.controller.squareColor(line.index, index)
+                        color: area.controller.revision < 0 ? "transparent" : area.controller.squareColor(line.index, index)
                     }
                 }
             }
@@ -84,7 +84,7 @@ Flickable {
 
         ColorButton {
             objectName: "squaresNumButton"
-            readonly property rect f: area.controller.revision < 0 ? null : area.controller.squaresNumFrame()
+            readonly property rect f: area.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : area.controller.squaresNumFrame()
             x: f.x; y: f.y; width: f.width; height: f.height
             scale: area.controller.deleting ? 0 : 1
             text: "%1".arg(area.controller.squaresnum)
