@@ -11,6 +11,7 @@
 #include "library/util/Log.h"
 #include "app/window/QuilloWindow.h"
 #include "app/window/ScreenshotRunner.h"
+#include "app/window/TrackEditorScreenshots.h"
 #include "app/window/WindowScreenshots.h"
 #include "app/window/ListScreenshots.h"
 #include "screens/soundeditor/shots/SoundEditorScreenshots.h"
@@ -20,6 +21,7 @@ Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_TrackEditorPlugin)
 
 namespace {
 
@@ -91,6 +93,7 @@ int main(int argc, char** argv) {
         addWindowScreenshots(runner, window);
         addListScreenshots(runner, window);
         addSoundEditorScreenshots(runner, window);
+        addTrackEditorScreenshots(runner, window);
         return runner.run(options.screenshotDir) ? 0 : 1;
     }
     return QGuiApplication::exec();

@@ -25,6 +25,7 @@ Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_TrackEditorPlugin)
 
 namespace {
 

@@ -1,0 +1,77 @@
+#include "app/window/TrackEditorScreenshots.h"
+
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QQuickItem>
+#include <QQuickWindow>
+
+#include "app/window/QuilloWindow.h"
+#include "app/window/RootScreens.h"
+#include "app/window/ScreenshotRunner.h"
+#include "screens/trackeditor/OneTrackVC.h"
+
+namespace {
+
+QQuickItem* findItem(QQuickItem* root, const QString& name) {
+    if (root->objectName() == name) return root;
+    for (QQuickItem* child : root->childItems())
+        if (QQuickItem* found = findItem(child, name)) return found;
+    return nullptr;
+}
+
+// The editor on top of the stack, pushed the way the tracks list pushes it.
+OneTrackVC* editor(QuilloWindow* w) {
+    QQuickItem* stack = findItem(w->window()->contentItem(), QStringLiteral("screenStack"));
+    if (!stack) return nullptr;
+    auto* top = stack->property("currentItem").value<QQuickItem*>();
+    if (!top || !top->property("controller").value<OneTrackVC*>()) {
+        QQmlExpression push(qmlContext(stack), stack,
+                            QStringLiteral("push(\"qrc:/qt/qml/Quillo/TrackEditor/OneTrackView.qml\", "
+                                           "{ trackName: \"Dorn Ashby Hotel\" }, StackView.Immediate)"));
+        push.evaluate();
+        top = stack->property("currentItem").value<QQuickItem*>();
+    }
+    return top ? top->property("controller").value<OneTrackVC*>() : nullptr;
+}
+
+}  // namespace
+
+void addTrackEditorScreenshots(ScreenshotRunner& runner, QuilloWindow& window) {
+    QuilloWindow* w = &window;
+    runner.add({QStringLiteral("track-editor"), [w] {
+                    w->window()->resize(390, 844);
+                    w->rootScreens()->resetTopView();
+                    editor(w);
+                    return w->window();
+                }, 1500});
+    runner.add({QStringLiteral("track-editor-rows-hidden"), [w] {
+                    if (OneTrackVC* c = editor(w)) c->doubleTouch();
+                    return w->window();
+                }});
+    runner.add({QStringLiteral("track-editor-row-open"), [w] {
+                    if (OneTrackVC* c = editor(w)) {
+                        c->doubleTouch();
+                        c->trackLoopPressed(1);
+                    }
+                    return w->window();
+                }});
+    runner.add({QStringLiteral("track-editor-deleting"), [w] {
+                    if (OneTrackVC* c = editor(w)) {
+                        c->trashOkPressed();  // closes the row
+                        c->trashOkPressed();  // starts deleting
+                        c->trashButtonsPressed(2);
+                    }
+                    return w->window();
+                }});
+    runner.add({QStringLiteral("track-editor-squares-number"), [w] {
+                    if (OneTrackVC* c = editor(w)) {
+                        c->trashOkPressed();  // deletes the marked row
+                        c->trackSquaresPressed();
+                        if (SquaresNumView* v = c->sqNumView()) {
+                            v->setValue(24);
+                            c->updateSquaresNum(v);
+                        }
+                    }
+                    return w->window();
+                }});
+}

@@ -1,0 +1,102 @@
+import QtQuick
+import Quillo.Kit
+import Quillo.TrackEditor
+
+// The column of row heads: each row's colour band with its volume, loop name
+// and loop picture; a tap on a head opens the row. Below the rows, the
+// add-row button while there are fewer than ten. It slides out of sight on a
+// two-finger tap.
+Item {
+    id: heads
+
+    required property OneTrackVC controller
+    readonly property rect frame: controller.leftViewFrame()
+
+    x: frame.x
+    y: frame.y
+    width: frame.width
+    height: frame.height
+    Behavior on x { NumberAnimation { duration: 300; easing.type: Easing.InOutQuad } }
+    Connections {
+        target: heads.controller
+        function onLeftVOnscreenChanged() { heads.x = heads.controller.leftViewFrame().x }
+    }
+
+    Rectangle { anchors.fill: parent; color: "white" }
+
+    Repeater {
+        model: heads.controller.rowCount
+        delegate: Item {
+            id: head
+            required property int index
+            readonly property bool marked: heads.controller.revision < 0 ? false : heads.controller.rowsToDelete.indexOf(index) >= 0
+            readonly property rect bg: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.headFrame(index)
+            readonly property VolumeView volume: heads.controller.revision < 0 ? null : heads.controller.rowVolumeView(index)
+            visible: !marked
+
+            Rectangle {
+                objectName: "rowHead" + head.index
+                x: head.bg.x; y: head.bg.y; width: head.bg.width; height: head.bg.height
+                radius: 6
+                color: heads.controller.revision < 0 ? "transparent" : heads.controller.rowColor(head.index)
+                Accessible.role: Accessible.Button
+                Accessible.name: title.text
+                TapHandler { onTapped: heads.controller.trackLoopPressed(head.index) }
+            }
+            KitLabel {
+                id: title
+                readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.titleFrame(head.index)
+                x: f.x; y: f.y; width: f.width; height: f.height
+                text: heads.controller.revision < 0 ? "" : heads.controller.rowName(head.index)
+                horizontalAlignment: Text.AlignLeft
+                font.pixelSize: Math.max(Uier.minTextPixelSize, height * 0.3)
+                wrapMode: Text.WordWrap
+                maximumLineCount: 2
+            }
+            // The loop's picture: one tile per instrument in its sound's colour.
+            Grid {
+                readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.pictureFrame(head.index)
+                readonly property var tiles: heads.controller.revision < 0 ? [] : heads.controller.rowTileColors(head.index)
+                x: f.x; y: f.y; width: f.width; height: f.height
+                columns: 2
+                spacing: 1
+                Repeater {
+                    model: parent.tiles.length
+                    Rectangle {
+                        required property int index
+                        width: (parent.width - 1) / 2
+                        height: (parent.height - 3) / 4
+                        radius: 2
+                        color: parent.tiles[index]
+                    }
+                }
+            }
+            Loader {
+                active: head.volume !== null && !heads.controller.deleting
+                z: 1
+                sourceComponent: LAAdjustViewItem { adjuster: head.volume }
+            }
+            ImageButton {
+                objectName: "rowTrash" + head.index
+                readonly property rect f: heads.controller.trashFrame(head.index)
+                visible: heads.controller.deleting
+                x: f.x; y: f.y; width: f.width; height: f.height
+                image: "cancelButton"
+                color: Qt.rgba(Colorer.mainColor.r, Colorer.mainColor.g, Colorer.mainColor.b, 0.5)
+                accessibleName: qsTr("Delete row")
+                onClicked: heads.controller.trashButtonsPressed(head.index)
+            }
+        }
+    }
+
+    ImageButton {
+        objectName: "newRowButton"
+        readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.newRowFrame()
+        visible: heads.controller.canAddRow && !heads.controller.deleting
+        x: f.x; y: f.y; width: f.width; height: f.height
+        image: "addButton"
+        accessibleName: qsTr("Add row")
+        Behavior on y { NumberAnimation { duration: 300 } }
+        onClicked: heads.controller.newLtPressed()
+    }
+}
