@@ -269,6 +269,13 @@ void ExportVC::startPlayback() {
         loopBridge_ = std::make_unique<LoopplayerMainThreadDelegate>(app->audioController(),
                                                                       static_cast<LoopplayerDelegate*>(this));
         loopplayer_ = Loopplayer::create(loop, loopBridge_.get(), static_cast<uint64_t>(repeats_), float(loop->bpm()));
+        bool sounds = false;
+        for (int slot = 0; slot < Loopplayer::kSlots; ++slot) sounds = sounds || loopplayer_->channelAtIndex(slot);
+        if (!sounds) {
+            // No sound could be loaded: nothing will ever report the end.
+            qlog("Export: the loop \"%s\" has no sound to play", loop->name().c_str());
+            return loopEndRepeating();
+        }
         if (video_) {
             QQuickItem* view = filmedItem_;
             const QSizeF size = view ? QSizeF(view->width(), view->height()) : Framr::ffExportLoopAllInstrV(format_).size();

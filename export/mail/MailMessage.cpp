@@ -20,16 +20,11 @@ void appendBase64(QByteArray& out, const QByteArray& data) {
     }
 }
 
-// Body text with CRLF line ends; a line that starts with a dot gets another
-// (SMTP would take a lone "." as the end of the message).
+// Body text with CRLF line ends (the SMTP transfer escapes leading dots itself).
 QByteArray textLines(const QString& text) {
     QByteArray out;
     const QStringList lines = QString(text).replace("\r\n", "\n").split(QLatin1Char('\n'));
-    for (const QString& line : lines) {
-        QByteArray l = line.toUtf8();
-        if (l.startsWith('.')) l.prepend('.');
-        out += l + "\r\n";
-    }
+    for (const QString& line : lines) out += line.toUtf8() + "\r\n";
     return out;
 }
 
