@@ -2,6 +2,7 @@
 // "loop", "loopFolder" or "track", and its name). The screen grows from the
 // share button that opened it (startFrame); its settings page lies one screen
 // height below and slides up. Everything it shows is decided by ExportVC.
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import Quillo.Kit
@@ -34,7 +35,7 @@ Item {
         filmedItem: picture
         onRemoveExportVC: {
             screen.closed()
-            if (screen.StackView && screen.StackView.view) screen.StackView.view.pop()
+            if (screen.StackView.view) screen.StackView.view.pop()
         }
     }
 

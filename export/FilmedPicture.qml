@@ -1,6 +1,7 @@
 // The picture an export films: a loop's instruments as a grid of photo
 // tiles that pulse while they sound, or a track's rows of loop colours with
 // the logo. The export controller films it and snapshots it.
+pragma ComponentBehavior: Bound
 import QtQuick
 import Quillo.Kit
 import Quillo.Export
@@ -51,7 +52,8 @@ Rectangle {
                 visible: picture.controller.includePhotos && tile.modelData.photo !== ""
                 source: tile.modelData.photo
                 fillMode: Image.PreserveAspectCrop
-                sourceSize: Qt.size(width * 2, height * 2)
+                sourceSize.width: width * 2
+                sourceSize.height: height * 2
                 asynchronous: false
             }
         }

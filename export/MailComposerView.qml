@@ -1,6 +1,7 @@
 // Quillo's mail composer: recipient, subject, body and the attachments with
 // their sizes; send, save as a draft, or cancel. The password is asked for
 // here only when the keyring has none.
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -89,11 +90,12 @@ Rectangle {
         Repeater {
             model: view.composer.attachments
             delegate: RowLayout {
+                id: attachment
                 required property var modelData
                 Layout.fillWidth: true
                 TintedIcon { name: "fileIcon"; color: Colorer.mainColor; width: 22; height: 22; Layout.preferredWidth: 22; Layout.preferredHeight: 22 }
-                Text { text: modelData.fileName; color: Colorer.mainColor; elide: Text.ElideMiddle; Layout.fillWidth: true }
-                Text { text: modelData.size; color: Colorer.mainColor; opacity: 0.8 }
+                Text { text: attachment.modelData.fileName; color: Colorer.mainColor; elide: Text.ElideMiddle; Layout.fillWidth: true }
+                Text { text: attachment.modelData.size; color: Colorer.mainColor; opacity: 0.8 }
             }
         }
         Text {

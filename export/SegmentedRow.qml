@@ -1,4 +1,5 @@
 // A segmented control: a row of choices, one of them chosen, in the main colour.
+pragma ComponentBehavior: Bound
 import QtQuick
 import Quillo.Kit
 

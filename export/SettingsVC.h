@@ -4,6 +4,7 @@
 // never to the settings file), and the audio devices with the buffer size.
 // Nothing changes until `save`; a rule that is broken is named in `problem`.
 #include <QObject>
+#include <algorithm>
 #include <QStringList>
 #include <QtQml/qqmlregistration.h>
 
@@ -25,6 +26,8 @@ class SettingsVC : public QObject {
     Q_PROPERTY(QString outputDevice MEMBER outputDevice NOTIFY changed)
     Q_PROPERTY(QString inputDevice MEMBER inputDevice NOTIFY changed)
     Q_PROPERTY(int bufferFrames MEMBER bufferFrames NOTIFY changed)
+    Q_PROPERTY(int indexOfOutputDevice READ indexOfOutputDevice NOTIFY changed)
+    Q_PROPERTY(int indexOfInputDevice READ indexOfInputDevice NOTIFY changed)
     Q_PROPERTY(QString problem READ problem NOTIFY changed)
     Q_PROPERTY(QString status READ status NOTIFY changed)
 
@@ -40,6 +43,8 @@ public:
 
     QStringList outputDevices() const { return outputDevices_; }
     QStringList inputDevices() const { return inputDevices_; }
+    int indexOfOutputDevice() const { return std::max<int>(0, int(outputDevices_.indexOf(outputDevice))); }
+    int indexOfInputDevice() const { return std::max<int>(0, int(inputDevices_.indexOf(inputDevice))); }
     QString problem() const { return problem_; }
     QString status() const { return status_; }
 

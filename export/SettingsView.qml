@@ -83,14 +83,14 @@ Rectangle {
             Text { text: qsTr("Output"); color: Colorer.mainColor }
             Choice {
                 model: vc.outputDevices
-                currentIndex: Math.max(0, vc.outputDevices.indexOf(vc.outputDevice))
+                currentIndex: Math.max(0, vc.indexOfOutputDevice)
                 onActivated: (index) => vc.outputDevice = vc.outputDevices[index]
                 Accessible.name: qsTr("Output device")
             }
             Text { text: qsTr("Input"); color: Colorer.mainColor }
             Choice {
                 model: vc.inputDevices
-                currentIndex: Math.max(0, vc.inputDevices.indexOf(vc.inputDevice))
+                currentIndex: Math.max(0, vc.indexOfInputDevice)
                 onActivated: (index) => vc.inputDevice = vc.inputDevices[index]
                 Accessible.name: qsTr("Input device")
             }

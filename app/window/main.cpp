@@ -11,6 +11,8 @@
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_ExportPlugin)
 
 int main(int argc, char** argv) {
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);

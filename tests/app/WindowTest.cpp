@@ -21,6 +21,8 @@
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_ExportPlugin)
 
 namespace {
 
