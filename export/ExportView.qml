@@ -2,7 +2,6 @@
 // "loop", "loopFolder" or "track", and its name). The screen grows from the
 // share button that opened it (startFrame); its settings page lies one screen
 // height below and slides up. Everything it shows is decided by ExportVC.
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import Quillo.Kit
@@ -226,9 +225,17 @@ Item {
 
         // --- the mail composer ---
         Loader {
+            id: composerLoader
             anchors.fill: parent
-            active: vc.composer !== null
-            sourceComponent: MailComposerView { composer: vc.composer }
+        }
+        Connections {
+            target: vc
+            function onStateChanged() {
+                if (vc.composer && !composerLoader.item)
+                    composerLoader.setSource("MailComposerView.qml", { composer: vc.composer })
+                else if (!vc.composer && composerLoader.item)
+                    composerLoader.source = ""
+            }
         }
     }
 }

@@ -30,7 +30,15 @@ Rectangle {
     component Action: Button {
         id: action
         Layout.fillWidth: true
-        contentItem: KitLabel { text: action.text; color: Colorer.backgColor; height: 20 }
+        implicitHeight: 44
+        contentItem: Text {
+            text: action.text
+            color: Colorer.backgColor
+            font.bold: true
+            font.pixelSize: 16
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+        }
         background: Rectangle { radius: height / 2; color: action.enabled ? Colorer.mainColor : Colorer.darkGreyBlueColor }
     }
 
@@ -75,17 +83,15 @@ Rectangle {
             Accessible.name: qsTr("Password")
             onTextEdited: view.composer.password = text
         }
-        ScrollView {
+        TextArea {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            TextArea {
-                text: view.composer.body
-                color: Colorer.mainColor
-                wrapMode: TextEdit.Wrap
-                Accessible.name: qsTr("Message")
-                onTextChanged: if (text !== view.composer.body) view.composer.body = text
-                background: Rectangle { radius: 8; color: "transparent"; border.color: Colorer.mainColor; border.width: 1 }
-            }
+            text: view.composer.body
+            color: Colorer.mainColor
+            wrapMode: TextEdit.Wrap
+            Accessible.name: qsTr("Message")
+            onTextChanged: if (text !== view.composer.body) view.composer.body = text
+            background: Rectangle { radius: 8; color: "transparent"; border.color: Colorer.mainColor; border.width: 1 }
         }
         Repeater {
             model: view.composer.attachments

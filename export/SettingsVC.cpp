@@ -35,6 +35,9 @@ void SettingsVC::load() {
 
 void SettingsVC::listDevices() {
     outputDevices_ = inputDevices_ = QStringList{kDefaultDevice};
+    // Without a sound card in use (the silent or offline engine) there is nothing to choose.
+    const QByteArray audio = qgetenv("QUILLO_AUDIO");
+    if (audio == "null" || audio == "offline") return;
     if (Pa_Initialize() != paNoError) return;
     for (PaDeviceIndex i = 0; i < Pa_GetDeviceCount(); ++i) {
         const PaDeviceInfo* info = Pa_GetDeviceInfo(i);
