@@ -18,6 +18,8 @@ Rectangle {
 
     component Field: TextField {
         Layout.fillWidth: true
+        implicitHeight: 40
+        font.pixelSize: 16
         color: Colorer.mainColor
         placeholderTextColor: Qt.rgba(Colorer.mainColor.r, Colorer.mainColor.g, Colorer.mainColor.b, 0.5)
         background: Rectangle {
