@@ -183,6 +183,17 @@ int runExport(CliContext& context) {
     }
     progress.finish();
     vc.cancelPressed();  // stops what still plays and removes the scratch files
+    if (view) {
+        // Let the scene graph free the pictures' textures before the window goes.
+        vc.setFilmedItem(nullptr);
+        view->hide();
+        view->setSource(QUrl());
+        view->releaseResources();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+        view.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
     std::printf("%s\n", result.toUtf8().constData());
     return isFailure(result) ? 1 : 0;
 }
