@@ -48,6 +48,8 @@ screenshots: build
 		./$(BUILD)/bin/quillo --library $(BUILD)/screenshots-library --screenshot $(BUILD)/screenshots
 	@QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=$(CURDIR)/$(BUILD)/screenshots-runtime \
 		./$(BUILD)/bin/quillo-kit-shots $(BUILD)/screenshots
+	@rm -rf $(BUILD)/screenshots-export-library && QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=2 QUILLO_AUDIO=null XDG_RUNTIME_DIR=$(CURDIR)/$(BUILD)/screenshots-runtime XDG_STATE_HOME=$(CURDIR)/$(BUILD)/screenshots-runtime/state \
+		./$(BUILD)/bin/quillo-export-shots $(BUILD)/screenshots $(BUILD)/screenshots-export-library
 
 # The sanitizer trees run first; the plain tree's CTest summary ends the output.
 test: build build-asan build-rtsan

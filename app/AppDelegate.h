@@ -99,6 +99,7 @@ public:
     std::function<void()> soundsListReloader;  // set by the sounds list while it is on top
 
     // Settings.
+    QSettings* settings() const { return settings_.get(); }  // the store behind them (the mail account too)
     std::string usersArtistName;
     bool autotrimRecords = true;
     bool recordToStereo = false;

@@ -17,3 +17,4 @@ int runPrintLoops(CliContext& context);
 int runPlayFile(CliContext& context);
 int runRecord(CliContext& context);
 int runTrim(CliContext& context);
+int runExport(CliContext& context);

@@ -1,5 +1,7 @@
 // quillo-cli: Quillo's library, players and renderer from the command line.
 #include <QCoreApplication>
+#include <QGuiApplication>
+#include <memory>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -22,6 +24,9 @@ const CliCommand kCommands[] = {
     {"record", "record -o FILE.wav [...]",
      "record the microphone, trimmed (--seconds S, --stereo, --no-trim)", runRecord},
     {"trim", "trim IN.wav -o OUT.wav [--export]", "cut the silence off both ends of a sound", runTrim},
+    {"export", "export sound|folder|loop|track NAME [...]",
+     "save, mail or write (-o) as the export screen does (--video, --format, --repeats, --no-photos, --save, --mail)",
+     runExport},
 };
 
 void printUsage(FILE* out) {
@@ -41,8 +46,13 @@ void printUsage(FILE* out) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Qt's translations and local sockets want an application object.
-    QCoreApplication application(argc, argv);
+    // Qt's translations and local sockets want an application object; export
+    // films views, which needs the GUI one (offscreen: there is no window).
+    bool exporting = false;
+    for (int k = 1; k < argc; ++k) exporting = exporting || std::strcmp(argv[k], "export") == 0;
+    if (exporting && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    std::unique_ptr<QCoreApplication> application =
+        exporting ? std::make_unique<QGuiApplication>(argc, argv) : std::make_unique<QCoreApplication>(argc, argv);
     CliContext context;
     context.libraryFolder = defaultLibraryFolder();
     int i = 1;

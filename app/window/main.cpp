@@ -22,6 +22,7 @@ Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_TrackEditorPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_ExportPlugin)
 
 namespace {
 
