@@ -92,9 +92,9 @@ int main(int argc, char** argv) {
     if (!options.screenshotDir.isEmpty()) {
         ScreenshotRunner runner;
         addWindowScreenshots(runner, window);
-        addListScreenshots(runner, window);
         addSoundEditorScreenshots(runner, window);
         addTrackEditorScreenshots(runner, window);
+        addListScreenshots(runner, window);  // last: its rename panel stays over the window
         return runner.run(options.screenshotDir) ? 0 : 1;
     }
     return QGuiApplication::exec();
