@@ -91,8 +91,8 @@ int main(int argc, char** argv) {
 
     if (!options.screenshotDir.isEmpty()) {
         ScreenshotRunner runner;
-        addWindowScreenshots(runner, window);
         addSoundEditorScreenshots(runner, window);
+        addWindowScreenshots(runner, window);
         addTrackEditorScreenshots(runner, window);
         addListScreenshots(runner, window);  // last: its rename panel stays over the window
         return runner.run(options.screenshotDir) ? 0 : 1;
