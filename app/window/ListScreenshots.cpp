@@ -5,17 +5,11 @@
 
 #include "app/window/QuilloWindow.h"
 #include "app/window/ScreenshotRunner.h"
+#include "app/window/VisualTree.h"
 #include "library/CoreDater.h"
 #include "screens/lists/BaseTVC.h"
 
 namespace {
-
-QQuickItem* findItem(QQuickItem* root, const QString& name) {
-    if (root->objectName() == name) return root;
-    for (QQuickItem* child : root->childItems())
-        if (QQuickItem* found = findItem(child, name)) return found;
-    return nullptr;
-}
 
 QQuickItem* topScreen(QQuickWindow* window) {
     QQuickItem* stack = findItem(window->contentItem(), QStringLiteral("screenStack"));

@@ -8,16 +8,10 @@
 #include "app/window/QuilloWindow.h"
 #include "app/window/RootScreens.h"
 #include "app/window/ScreenshotRunner.h"
+#include "app/window/VisualTree.h"
 #include "screens/trackeditor/OneTrackVC.h"
 
 namespace {
-
-QQuickItem* findItem(QQuickItem* root, const QString& name) {
-    if (root->objectName() == name) return root;
-    for (QQuickItem* child : root->childItems())
-        if (QQuickItem* found = findItem(child, name)) return found;
-    return nullptr;
-}
 
 // The editor on top of the stack, pushed the way the tracks list pushes it.
 OneTrackVC* editor(QuilloWindow* w) {

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "app/window/VisualTree.h"
 #include "app/window/QuilloWindow.h"
 #include "library/CoreDater.h"
 #include "library/media/Filer.h"
@@ -27,21 +28,6 @@ Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_TrackEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ExportPlugin)
-
-namespace {
-
-// Searches the visual tree, where the views' objects live whatever their QObject parents.
-QQuickItem* findItem(QQuickItem* root, const QString& name) {
-    if (root->objectName() == name) return root;
-    for (QQuickItem* child : root->childItems()) {
-        if (QQuickItem* found = findItem(child, name)) return found;
-    }
-    return nullptr;
-}
-
-QPoint centerOf(QQuickItem* item) { return item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint(); }
-
-}  // namespace
 
 class WindowTest : public ::testing::Test {
 protected:

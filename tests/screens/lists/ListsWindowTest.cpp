@@ -7,6 +7,7 @@
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
 
+#include "app/window/VisualTree.h"
 #include "app/AppDelegate.h"
 #include "app/window/QuilloWindow.h"
 #include "engine/AudioFilePlayer.h"
@@ -23,15 +24,6 @@ Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
 
 namespace {
-
-QQuickItem* findItem(QQuickItem* root, const QString& name) {
-    if (root->objectName() == name) return root;
-    for (QQuickItem* child : root->childItems())
-        if (QQuickItem* found = findItem(child, name)) return found;
-    return nullptr;
-}
-
-QPoint centerOf(QQuickItem* item) { return item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint(); }
 
 class ListsWindowTest : public ::testing::Test {
 protected:

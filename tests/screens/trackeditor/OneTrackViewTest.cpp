@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
 
+#include "app/window/VisualTree.h"
 #include "library/patterns/Tacter.h"
 #include "screens/kit/KitSetup.h"
 #include "tests/screens/trackeditor/TrackEditorHarness.h"
@@ -15,15 +16,6 @@
 Q_IMPORT_QML_PLUGIN(Quillo_TrackEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
-
-namespace {
-QQuickItem* findItem(QQuickItem* root, const QString& name) {
-    if (root->objectName() == name) return root;
-    for (QQuickItem* child : root->childItems())
-        if (QQuickItem* found = findItem(child, name)) return found;
-    return nullptr;
-}
-}  // namespace
 
 class OneTrackViewTest : public TrackEditorHarness {
 protected:
