@@ -204,6 +204,8 @@ ListView {
         Accessible.name: name
         swipe.enabled: rightButtons.length > 0 || leftButtons.length > 0
         swipe.transition: Transition { SmoothedAnimation { velocity: 3; easing.type: Easing.InOutCubic } }
+        swipe.onLeftItemChanged: SwipeSides.adopt(row, swipe.leftItem)
+        swipe.onRightItemChanged: SwipeSides.adopt(row, swipe.rightItem)
 
         onClicked: {
             if (swipe.position !== 0) swipe.close()

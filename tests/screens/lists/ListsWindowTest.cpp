@@ -115,12 +115,6 @@ TEST_F(ListsWindowTest, TracksAndSoundsPlayInPlaceOneAtATime) {
     EXPECT_EQ(quillo->app()->oneshot, nullptr);
 }
 
-// Known open defect, kept out of the leak check of this program only: the QML
-// objects made for a row that is deleted while swiped open (its side buttons
-// and their bindings, all created by the QML engine) are never freed. The cause
-// is not found yet; leaks with no QML engine frame are still reported.
-extern "C" const char* __lsan_default_suppressions() { return "leak:libQt6Qml.so\n"; }
-
 TEST_F(ListsWindowTest, SwipingAUserLoopOpenAndTappingDeleteRemovesItFromTheStore) {
     CoreDater& dater = CoreDater::shIns();
     Loop* mine = dater.createEmptyUsersLoop();
