@@ -33,6 +33,7 @@ void BaseTVC::setItemsAndReloadTable() {
         m_items.push_back(folder);
         const std::vector<ManagedObject*> items = itemsOfFolder(folder);
         ListRow folderRow;
+        folderRow.key = folder;
         folderRow.isFolder = true;
         folderRow.section = section;
         folderRow.name = QString::fromStdString(library_items::folderName(folder));
@@ -48,6 +49,7 @@ void BaseTVC::setItemsAndReloadTable() {
         int position = 0;
         for (ManagedObject* item : items) {
             ListRow r;
+            r.key = item;
             r.section = section;
             r.item = position++;
             r.name = QString::fromStdString(library_items::itemName(item));
@@ -106,6 +108,19 @@ void BaseTVC::playItemPressed(int row) {
         return;
     }
     if (startPlayingItem(item)) setPlayingRow(row);
+}
+
+void BaseTVC::playPausePressed(int row) {
+    if (m_playingItem >= 0) {
+        stopPlaying();
+        return;
+    }
+    if (!itemAtRow(row)) {
+        row = -1;
+        for (int k = 0; k < m_rows.count() && row < 0; ++k)
+            if (itemAtRow(k)) row = k;
+    }
+    if (row >= 0) playItemPressed(row);
 }
 
 void BaseTVC::swipeButtonTapped(int row, int index, int side, const QRectF& origin) {

@@ -54,6 +54,9 @@ public:
     Q_INVOKABLE void addButtonTapped();
     Q_INVOKABLE void menuButtonTapped();
     Q_INVOKABLE void stopPlaying();
+    // The keyboard's play/pause: stops what plays, or plays the item at `row`
+    // (the list's first item when `row` is a folder's row or none).
+    Q_INVOKABLE void playPausePressed(int row);
 
     void deleteItemAtRow(int row);
     // Opens the rename panel for a folder row, growing from `start` (on screen).

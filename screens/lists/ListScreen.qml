@@ -48,6 +48,13 @@ StackScreen {
         controller: view.controller
     }
 
+    // Space plays the current row in place, or stops what plays.
+    Shortcut {
+        sequence: "Space"
+        enabled: view.StackView.status === StackView.Active && view.controller.editView === null
+        onActivated: view.controller.playPausePressed(table.currentIndex)
+    }
+
     // The rename panel lays itself out on the whole window.
     Loader {
         id: panel

@@ -25,6 +25,31 @@ ListView {
     clip: true
     ScrollIndicator.vertical: ScrollIndicator {}
 
+    // The keyboard moves the current row (Up, Down) and opens it (Return);
+    // it is marked only while the keyboard is in use.
+    property bool keyboardInUse: false
+    focus: true
+    keyNavigationEnabled: true
+    highlightMoveDuration: 0
+    Keys.onUpPressed: (event) => { table.keyboardInUse = true; event.accepted = false }
+    Keys.onDownPressed: (event) => { table.keyboardInUse = true; event.accepted = false }
+    Keys.onReturnPressed: if (table.currentIndex >= 0) table.controller.didSelectRow(table.currentIndex)
+
+    // A deleted row slides out to the left, the rows under it close the gap,
+    // and the rows of an opened folder fade in.
+    remove: Transition {
+        NumberAnimation { property: "x"; to: -table.width; duration: Kit.Animator.moveTime * 1000; easing.type: Easing.InQuad }
+        NumberAnimation { property: "opacity"; to: 0; duration: Kit.Animator.moveTime * 1000 }
+    }
+    add: Transition {
+        NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Kit.Animator.moveTime * 1000 }
+    }
+    displaced: Transition {
+        NumberAnimation { property: "y"; duration: Kit.Animator.moveTime * 1000; easing.type: Easing.InOutQuad }
+        // A displacement that interrupts a fade must not leave the row half shown.
+        NumberAnimation { property: "opacity"; to: 1; duration: Kit.Animator.moveTime * 1000 }
+    }
+
     // One swipe button: a square of the row's height with the icon inset by
     // 10. The row takes the touches; it tells its buttons through the
     // attached SwipeDelegate signals.
@@ -118,7 +143,11 @@ ListView {
                 x: frame.x; y: frame.y; width: frame.width; height: frame.height
                 focusPolicy: Qt.NoFocus
                 Accessible.name: content.playing ? qsTr("Stop") : qsTr("Play")
-                onClicked: table.controller.playItemPressed(content.index)
+                onClicked: {
+                    table.keyboardInUse = false
+                    table.currentIndex = content.index
+                    table.controller.playItemPressed(content.index)
+                }
                 background: Kit.TintedIcon {
                     name: content.playing ? "stopButton256" : "playButton256"
                     color: play.pressed ? Kit.Colorer.darkerColorForColor(Kit.Colorer.mainColor) : Kit.Colorer.mainColor
@@ -208,6 +237,8 @@ ListView {
         swipe.onRightItemChanged: SwipeSides.adopt(row, swipe.rightItem)
 
         onClicked: {
+            table.keyboardInUse = false
+            table.currentIndex = index
             if (swipe.position !== 0) swipe.close()
             else table.controller.didSelectRow(index)
         }
@@ -218,7 +249,8 @@ ListView {
         }
 
         background: Rectangle {
-            color: row.pressed ? Kit.Colorer.veryLighterColorForColor(Kit.Colorer.lightBlueColor) : Kit.Colorer.backgColor
+            color: row.pressed || (table.keyboardInUse && row.ListView.isCurrentItem)
+                   ? Kit.Colorer.veryLighterColorForColor(Kit.Colorer.lightBlueColor) : Kit.Colorer.backgColor
         }
 
         // Left-side buttons show when the row is swiped to the right, right-side ones the other way.

@@ -36,11 +36,41 @@ QHash<int, QByteArray> ListRows::roleNames() const {
 }
 
 void ListRows::setRows(std::vector<ListRow> rows) {
-    const bool countChanges = rows.size() != rows_.size();
-    beginResetModel();
-    rows_ = std::move(rows);
-    endResetModel();
-    if (countChanges) emit countChanged();
+    const size_t before = rows_.size();
+    const size_t after = rows.size();
+    size_t head = 0;
+    while (head < before && head < after && rows_[head].key != nullptr && rows_[head].key == rows[head].key) ++head;
+    size_t tail = 0;
+    while (tail < before - head && tail < after - head && rows_[before - 1 - tail].key != nullptr &&
+           rows_[before - 1 - tail].key == rows[after - 1 - tail].key)
+        ++tail;
+    const size_t gone = before - head - tail;
+    const size_t added = after - head - tail;
+    const auto at = [](size_t k) { return static_cast<int>(k); };
+
+    if (before == 0 || after == 0 || (gone > 0 && added > 0)) {
+        beginResetModel();
+        rows_ = std::move(rows);
+        endResetModel();
+    } else {
+        if (gone > 0) {
+            beginRemoveRows({}, at(head), at(head + gone - 1));
+            rows_.erase(rows_.begin() + at(head), rows_.begin() + at(head + gone));
+            endRemoveRows();
+        }
+        if (added > 0) {
+            beginInsertRows({}, at(head), at(head + added - 1));
+            rows_.insert(rows_.begin() + at(head), rows.begin() + at(head), rows.begin() + at(head + added));
+            endInsertRows();
+        }
+        // The rows that stayed may still show something new (a folder's count, a renamed item).
+        for (size_t k = 0; k < after; ++k) {
+            if (rows_[k] == rows[k]) continue;
+            rows_[k] = std::move(rows[k]);
+            emit dataChanged(index(at(k)), index(at(k)));
+        }
+    }
+    if (before != after) emit countChanged();
 }
 
 void ListRows::setPlayingRow(int row) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 struct ListRow {
+    const void* key = nullptr;  // the folder or item shown; a row keeps its place in the view while its key does
     bool isFolder = false;
     int section = 0;    // the folder's position in the list
     int item = -1;      // the item's position in its folder; -1 on a folder row
@@ -24,6 +25,8 @@ struct ListRow {
     QString detail;                  // tracks: the length, "m:ss"
     QStringList rightButtons;        // swipe buttons (icon names) on the right side, index 0 first
     QStringList leftButtons;         // and on the left side
+
+    bool operator==(const ListRow&) const = default;
 };
 
 class ListRows : public QAbstractListModel {
@@ -55,6 +58,10 @@ public:
 
     int count() const { return static_cast<int>(rows_.size()); }
     const ListRow* rowAt(int row) const;
+    // Replaces the rows. When the change is rows taken out of one place or put
+    // in at one place (an item deleted or copied, a folder opened or closed),
+    // the view is told just that, so the rows around keep their delegates and
+    // can slide; any other change resets the view.
     void setRows(std::vector<ListRow> rows);
     // Marks one row as playing (or none with -1), telling the view only about the rows that changed.
     void setPlayingRow(int row);

@@ -1,6 +1,7 @@
 // The lists' decisions on a real store: which rows may be swiped for what,
 // what deleting, copying and renaming leave in the store, and track lengths.
 #include <QCoreApplication>
+#include <QSignalSpy>
 
 #include "library/CoreDater.h"
 #include "library/media/Filer.h"
@@ -77,8 +78,24 @@ TEST_F(ListsTest, DeletingALoopTakesItOutOfEveryTrackThatUsedIt) {
     ASSERT_EQ(song->trackloops().size(), 1u);
 
     LoopsTVC loops;
-    loops.swipeButtonTapped(rowNamed(loops, "Mine"), 0, BaseTVC::kRightSide);
+    // Only the deleted row leaves the view (so the rows around it can slide
+    // into its place); its folder's row is told its new count.
+    QSignalSpy resets(loops.rows(), &QAbstractItemModel::modelReset);
+    QSignalSpy removed(loops.rows(), &QAbstractItemModel::rowsRemoved);
+    QSignalSpy changed(loops.rows(), &QAbstractItemModel::dataChanged);
+    const int at = rowNamed(loops, "Mine");
+    loops.swipeButtonTapped(at, 0, BaseTVC::kRightSide);
     EXPECT_EQ(rowNamed(loops, "Mine"), -1);
+    EXPECT_EQ(resets.count(), 0);
+    ASSERT_EQ(removed.count(), 1);
+    EXPECT_EQ(removed[0][1].toInt(), at);
+    EXPECT_EQ(removed[0][2].toInt(), at);
+    const int folder = rowNamed(loops, "My loops");
+    bool countTold = false;
+    for (const QList<QVariant>& change : changed)
+        countTold = countTold || change[0].toModelIndex().row() == folder;
+    EXPECT_TRUE(countTold);
+    EXPECT_EQ(loops.rows()->rowAt(folder)->itemCount, 0);
     EXPECT_TRUE(song->trackloops().empty());
 
     reopen();
@@ -135,9 +152,21 @@ TEST_F(ListsTest, CopyOfABuiltInLoopGoesToMyLoopsAndFoldersRenameUniquely) {
 TEST_F(ListsTest, FolderOpenStateIsKeptInTheStore) {
     LoopsTVC loops;
     const int before = loops.rows()->count();
-    loops.didSelectRow(rowNamed(loops, "Built-in loops"));
+    const int folder = rowNamed(loops, "Built-in loops");
+    QSignalSpy resets(loops.rows(), &QAbstractItemModel::modelReset);
+    QSignalSpy removed(loops.rows(), &QAbstractItemModel::rowsRemoved);
+    QSignalSpy inserted(loops.rows(), &QAbstractItemModel::rowsInserted);
+    loops.didSelectRow(folder);
     EXPECT_EQ(loops.rows()->count(), before - 1);
     EXPECT_EQ(rowNamed(loops, "Easy"), -1);
+    // Closing and opening take out and put back just the folder's item rows.
+    ASSERT_EQ(removed.count(), 1);
+    EXPECT_EQ(removed[0][1].toInt(), folder + 1);
+    loops.didSelectRow(folder);
+    ASSERT_EQ(inserted.count(), 1);
+    EXPECT_EQ(inserted[0][1].toInt(), folder + 1);
+    EXPECT_EQ(resets.count(), 0);
+    loops.didSelectRow(folder);
     reopen();
     LoopsTVC again;
     EXPECT_EQ(again.rows()->count(), before - 1);

@@ -102,6 +102,13 @@ TEST_F(ListsWindowTest, TracksAndSoundsPlayInPlaceOneAtATime) {
     EXPECT_EQ(tracks->playingRow(), -1);
     EXPECT_TRUE(quillo->app()->trackplayers().empty());
 
+    // Space plays the row last pressed and stops it again.
+    QTest::keyClick(window, Qt::Key_Space);
+    EXPECT_EQ(tracks->playingRow(), first + 1);
+    EXPECT_EQ(quillo->app()->trackplayers().size(), 1u);
+    QTest::keyClick(window, Qt::Key_Space);
+    EXPECT_EQ(tracks->playingRow(), -1);
+
     showList(2);
     auto* sounds = list<SoundsTVC>();
     ASSERT_NE(sounds, nullptr);
