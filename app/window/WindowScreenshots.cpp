@@ -1,5 +1,8 @@
 #include "app/window/WindowScreenshots.h"
 
+#include <QQmlContext>
+#include <QQmlExpression>
+#include <QQuickItem>
 #include <QQuickWindow>
 
 #include "app/window/LoopEditorScreenshots.h"
@@ -10,6 +13,9 @@ void addWindowScreenshots(ScreenshotRunner& runner, QuilloWindow& window) {
     QuilloWindow* w = &window;
     runner.add({QStringLiteral("window-loops-list"), [w] {
                     w->rootScreens()->resetTopView();
+                    // Back to the list alone, whatever earlier shots left pushed.
+                    if (auto* stack = w->window()->findChild<QQuickItem*>(QStringLiteral("screenStack")))
+                        QQmlExpression(qmlContext(stack), stack, QStringLiteral("pop(null, StackView.Immediate)")).evaluate();
                     return w->window();
                 }});
     runner.add({QStringLiteral("window-side-menu"), [w] {
