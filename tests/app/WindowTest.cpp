@@ -10,8 +10,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "app/window/VisualTree.h"
-#include "app/window/QuilloWindow.h"
 #include "library/CoreDater.h"
 #include "library/media/Filer.h"
 #include "library/model/Model.h"
@@ -19,7 +17,7 @@
 #include "screens/lists/GlobalMenuVC.h"
 #include "screens/lists/LoopsTVC.h"
 #include "tests/app/SoundFileWriter.h"
-#include "tests/library/TestStore.h"
+#include "tests/app/WindowFixture.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
@@ -29,27 +27,9 @@ Q_IMPORT_QML_PLUGIN(Quillo_SoundEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_TrackEditorPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ExportPlugin)
 
-class WindowTest : public ::testing::Test {
+class WindowTest : public WindowFixture {
 protected:
-    void launch(QStringList files = {}) {
-        WindowOptions options;
-        options.libraryFolder = QString::fromStdString(library.path());
-        options.settingsFile = QString::fromStdString(library.file("settings.ini"));
-        options.files = files;
-        quillo = std::make_unique<QuilloWindow>(options, AudioDriverKind::Null);
-        ASSERT_TRUE(quillo->launch());
-        window = quillo->window();
-        window->requestActivate();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
-    }
-    void TearDown() override { quillo.reset(); }
-
-    QQuickItem* find(const char* name) {
-        QQuickItem* item = findItem(window->contentItem(), QString::fromLatin1(name));
-        EXPECT_NE(item, nullptr) << name;
-        return item;
-    }
-    QQuickItem* loopsList() { return find("screenStack")->property("currentItem").value<QQuickItem*>(); }
+    QQuickItem* loopsList() { return top(); }
     LoopsTVC* loops() { return loopsList()->findChild<LoopsTVC*>(); }
     double menuOffset() { return find("slidingContainer")->property("topX").toDouble(); }
     bool menuSettlesAt(double x) {
@@ -62,18 +42,9 @@ protected:
         }
         return -1;
     }
-    // The row's delegate in the table, scrolled into view.
-    QQuickItem* rowItem(int row) {
-        auto* table = find("loopsTable");
-        QMetaObject::invokeMethod(table, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 0));
-        QQuickItem* item = nullptr;
-        QMetaObject::invokeMethod(table, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, item), Q_ARG(int, row));
-        return item;
-    }
+    QQuickItem* rowItem(int row) { return WindowFixture::rowItem(find("loopsTable"), row); }
 
-    TempDir library, elsewhere;
-    std::unique_ptr<QuilloWindow> quillo;
-    QQuickWindow* window = nullptr;
+    TempDir elsewhere;
 };
 
 TEST_F(WindowTest, StartsOnTheLoopsListAndImportsTheFilesGivenToIt) {
@@ -263,14 +234,4 @@ TEST_F(WindowTest, SideMenuSwitchesListsOnlyFromAnotherScreenAndSilencesEverythi
     EXPECT_EQ(shown.last().first().toString(), "LoopFolder");
 }
 
-int main(int argc, char** argv) {
-    // Offscreen, with private runtime, settings and log folders.
-    TempDir runtime;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(runtime.path()));
-    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(runtime.path() + "/config"));
-    qputenv("XDG_STATE_HOME", QByteArray::fromStdString(runtime.path() + "/state"));
-    QGuiApplication application(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
+int main(int argc, char** argv) { return runWindowTests(argc, argv); }

@@ -7,9 +7,7 @@
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
 
-#include "app/window/VisualTree.h"
 #include "app/AppDelegate.h"
-#include "app/window/QuilloWindow.h"
 #include "engine/AudioFilePlayer.h"
 #include "library/CoreDater.h"
 #include "library/model/Model.h"
@@ -17,7 +15,7 @@
 #include "screens/lists/LoopsTVC.h"
 #include "screens/lists/SoundsTVC.h"
 #include "screens/lists/TracksTVC.h"
-#include "tests/library/TestStore.h"
+#include "tests/app/WindowFixture.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_AppPlugin)
 Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
@@ -25,27 +23,10 @@ Q_IMPORT_QML_PLUGIN(Quillo_KitPlugin)
 
 namespace {
 
-class ListsWindowTest : public ::testing::Test {
+class ListsWindowTest : public WindowFixture {
 protected:
-    void SetUp() override {
-        WindowOptions options;
-        options.libraryFolder = QString::fromStdString(library.path());
-        options.settingsFile = QString::fromStdString(library.file("settings.ini"));
-        quillo = std::make_unique<QuilloWindow>(options, AudioDriverKind::Null);
-        ASSERT_TRUE(quillo->launch());
-        window = quillo->window();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
-    }
-    void TearDown() override {
-        quillo.reset();
-        // Rows removed by a swipe are deleted later by Qt; let that happen
-        // before the next test (and before the leak check at exit).
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    void SetUp() override { launch(); }
 
-    QQuickItem* top() {
-        return findItem(window->contentItem(), "screenStack")->property("currentItem").value<QQuickItem*>();
-    }
     template <class List>
     List* list() { return top()->findChild<List*>(); }
     void showList(int menuRow) {
@@ -68,19 +49,11 @@ protected:
         return -1;
     }
     QQuickItem* rowItem(const char* table, int row) {
-        QQuickItem* view = findItem(top(), QString::fromLatin1(table));
-        QMetaObject::invokeMethod(view, "positionViewAtIndex", Q_ARG(int, row), Q_ARG(int, 0));
-        QQuickItem* item = nullptr;
-        QMetaObject::invokeMethod(view, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, item), Q_ARG(int, row));
-        return item;
+        return WindowFixture::rowItem(findItem(top(), QString::fromLatin1(table)), row);
     }
     void tapPlay(const char* table, int row) {
         QTest::mouseClick(window, Qt::LeftButton, {}, centerOf(findItem(rowItem(table, row), "playButton")));
     }
-
-    TempDir library;
-    std::unique_ptr<QuilloWindow> quillo;
-    QQuickWindow* window = nullptr;
 };
 
 TEST_F(ListsWindowTest, TracksAndSoundsPlayInPlaceOneAtATime) {
@@ -168,13 +141,4 @@ TEST_F(ListsWindowTest, ASoundImportedWhileTheSoundsListIsOnTopShowsAtOnce) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    TempDir runtime;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(runtime.path()));
-    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(runtime.path() + "/config"));
-    qputenv("XDG_STATE_HOME", QByteArray::fromStdString(runtime.path() + "/state"));
-    QGuiApplication application(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
+int main(int argc, char** argv) { return runWindowTests(argc, argv); }
