@@ -84,6 +84,15 @@ int OneLoopVC::slotOfTile(int tileIndex) const {
     return -1;
 }
 
+void OneLoopVC::placeTile(LoopTile* tile, int slot) {
+    tile->setCell(slot);
+    tile->setMarked(false);
+    tile->setSounding(false);
+    tile->setPresent(true);
+    _instrButtons[static_cast<size_t>(slot)] = tile;
+    refreshTile(slot);
+}
+
 LoopTile* OneLoopVC::freeTile() const {
     for (LoopTile* o : m_tileObjects)
         if (std::find(_instrButtons.begin(), _instrButtons.end(), o) == _instrButtons.end()) return o;
@@ -101,13 +110,7 @@ void OneLoopVC::openLoop(Loop* loop) {
     for (LoopTile* o : m_tileObjects) o->setPresent(false);
     const int count = std::min(instrumentCount(), kMaxInstruments);
     for (int slot = 0; slot < count; ++slot) {
-        auto* tile = m_tileObjects[slot];
-        tile->setCell(slot);
-        tile->setMarked(false);
-        tile->setSounding(false);
-        tile->setPresent(true);
-        _instrButtons[static_cast<size_t>(slot)] = tile;
-        refreshTile(slot);
+        placeTile(m_tileObjects[slot], slot);
     }
     setAddTile(count < kMaxInstruments ? count : -1, true);
 
@@ -283,13 +286,7 @@ void OneLoopVC::addNewInstrumentFromMic(bool fromMic) {
     dater.save();
 
     const int slot = instrumentCount() - 1;
-    LoopTile* tile = freeTile();
-    tile->setCell(slot);
-    tile->setMarked(false);
-    tile->setSounding(false);
-    tile->setPresent(true);
-    _instrButtons[static_cast<size_t>(slot)] = tile;
-    refreshTile(slot);
+    placeTile(freeTile(), slot);
     setAddTile(instrumentCount() > 7 ? -1 : instrumentCount(), true);
     emit tilesChanged();
 

@@ -186,6 +186,8 @@ private:
     void stopPlayer();
     Instrument* instrumentAt(int slot) const;
     LoopTile* freeTile() const;
+    // Shows `tile` as the slot's instrument, unmarked and silent.
+    void placeTile(LoopTile* tile, int slot);
 
     Loop* m_loop = nullptr;
     OneLoopVCDelegate* delegate = nullptr;
