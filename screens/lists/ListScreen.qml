@@ -22,6 +22,7 @@ StackScreen {
     onLeftBarButtonTapped: controller.menuButtonTapped()
     onRightBarButtonTapped: controller.addButtonTapped()
     StackView.onActivating: controller.setItemsAndReloadTable()
+    StackView.onActivated: table.forceActiveFocus()
     StackView.onDeactivating: controller.stopPlaying()
 
     Connections {

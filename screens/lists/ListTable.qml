@@ -230,6 +230,7 @@ ListView {
         width: table.width
         height: table.rowHeight
         padding: 0
+        focusPolicy: Qt.NoFocus  // the keyboard stays with the table
         Accessible.name: name
         swipe.enabled: rightButtons.length > 0 || leftButtons.length > 0
         swipe.transition: Transition { SmoothedAnimation { velocity: 3; easing.type: Easing.InOutCubic } }

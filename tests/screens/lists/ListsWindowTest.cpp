@@ -81,6 +81,10 @@ TEST_F(ListsWindowTest, TracksAndSoundsPlayInPlaceOneAtATime) {
     EXPECT_EQ(quillo->app()->trackplayers().size(), 1u);
     QTest::keyClick(window, Qt::Key_Space);
     EXPECT_EQ(tracks->playingRow(), -1);
+    // The arrows move the current row, whatever was clicked last.
+    QQuickItem* table = findItem(top(), "tracksTable");
+    QTest::keyClick(window, Qt::Key_Up);
+    EXPECT_EQ(table->property("currentIndex").toInt(), first);
 
     showList(2);
     auto* sounds = list<SoundsTVC>();
