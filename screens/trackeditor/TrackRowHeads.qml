@@ -1,5 +1,7 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import Quillo.Kit
+import Quillo.LoopEditor
 import Quillo.TrackEditor
 
 // The column of row heads: each row's colour band with its volume, loop name
@@ -31,7 +33,9 @@ Item {
             required property int index
             readonly property bool marked: heads.controller.revision < 0 ? false : heads.controller.rowsToDelete.indexOf(index) >= 0
             readonly property rect bg: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.headFrame(index)
-            readonly property VolumeView volume: heads.controller.revision < 0 ? null : heads.controller.rowVolumeView(index)
+            // One per place for as long as the screen lives, so never gone before this head.
+            readonly property VolumeView volume: heads.controller.rowVolumeView(head.index)
+            readonly property LoopView picture: heads.controller.rowLoopView(head.index)
             visible: !marked
 
             Rectangle {
@@ -53,28 +57,18 @@ Item {
                 wrapMode: Text.WordWrap
                 maximumLineCount: 2
             }
-            // The loop's picture: one tile per instrument in its sound's colour.
-            Grid {
+            // The loop's picture, tiles of the row's colour shifted darker.
+            LoopViewItem {
+                objectName: "rowPicture" + head.index
                 readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.pictureFrame(head.index)
-                readonly property var tiles: heads.controller.revision < 0 ? [] : heads.controller.rowTileColors(head.index)
+                loopView: head.picture
                 x: f.x; y: f.y; width: f.width; height: f.height
-                columns: 2
-                spacing: 1
-                Repeater {
-                    model: parent.tiles.length
-                    Rectangle {
-                        required property int index
-                        width: (parent.width - 1) / 2
-                        height: (parent.height - 3) / 4
-                        radius: 2
-                        color: parent.tiles[index]
-                    }
-                }
             }
-            Loader {
-                active: head.volume !== null && !heads.controller.deleting
+            LAAdjustViewItem {
+                objectName: "rowVolume" + head.index
+                adjuster: head.volume
+                visible: !heads.controller.deleting
                 z: 1
-                sourceComponent: LAAdjustViewItem { adjuster: head.volume }
             }
             ImageButton {
                 objectName: "rowTrash" + head.index
