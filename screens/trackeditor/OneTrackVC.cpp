@@ -89,6 +89,10 @@ QVariantList OneTrackVC::rowsToDelete() const {
     return out;
 }
 
+bool OneTrackVC::isRowMarked(int row) const {
+    return std::find(_instrsToDelete.begin(), _instrsToDelete.end(), row) != _instrsToDelete.end();
+}
+
 int OneTrackVC::openRow() const {
     if (!trackloopV_ || !track_) return -1;
     const auto& rows = track_->trackloops();
@@ -145,9 +149,10 @@ void OneTrackVC::setupRowHeads() {
     for (int r = 0; r < kMaxRows; ++r) {
         auto& v = ltrackVols_[static_cast<size_t>(r)];
         auto& picture = ltrackInstrBgs_[static_cast<size_t>(r)];
-        if (!picture) picture = std::make_unique<LoopView>();
+        // Children, so the view never takes them over as its own.
+        if (!picture) picture = std::make_unique<LoopView>(this);
         if (!v) {
-            v = std::make_unique<VolumeView>();
+            v = std::make_unique<VolumeView>(this);
             v->setDelegate(this);
             connect(v.get(), &LAAdjustView::fullscrChanged, this, &OneTrackVC::refreshNavigationBar);
         }
@@ -158,7 +163,7 @@ void OneTrackVC::setupRowHeads() {
         v->setValue(row->volume());
         // The column's coordinates: enlarged, it covers the whole screen.
         v->setInitialFrame(TrackFramr::ffTrackVolumeForLt(r));
-        v->setEnlargedFrame(Framr::fullScrnCircle().translated(-TrackFramr::ffTrackLeftViewOnScreen(true).topLeft()));
+        v->setEnlargedFrame(volumeEnlargedFrame());
         v->setTitleColor(KitColorer::backgColor());
     }
 }
@@ -167,6 +172,9 @@ QRectF OneTrackVC::leftViewFrame() const { return TrackFramr::ffTrackLeftViewOnS
 QRectF OneTrackVC::scrollViewFrame() const { return TrackFramr::ffTrackScrollViewLVOnScreen(leftVOnscreen_); }
 QRectF OneTrackVC::headFrame(int row) const { return TrackFramr::ffTrackVolumeAndTitlBgForLt(row); }
 QRectF OneTrackVC::volumeFrame(int row) const { return TrackFramr::ffTrackVolumeForLt(row); }
+QRectF OneTrackVC::volumeEnlargedFrame() const {
+    return Framr::fullScrnCircle().translated(-TrackFramr::ffTrackLeftViewOnScreen(true).topLeft());
+}
 QRectF OneTrackVC::titleFrame(int row) const { return TrackFramr::ffTrackTitleForLt(row); }
 QRectF OneTrackVC::pictureFrame(int row) const { return TrackFramr::ffTrackAllInstrBgsForLt(row); }
 QRectF OneTrackVC::trashFrame(int row) const { return TrackFramr::ffTrackTrashImageForLt(row); }

@@ -77,6 +77,8 @@ public:
     int squaresnum() const;
     bool canAddRow() const { return track_ && rowCount() < kMaxRows; }
     QVariantList rowsToDelete() const;
+    // Marked for deletion: its head and line are gone until the deletion is applied.
+    Q_INVOKABLE bool isRowMarked(int row) const;
     bool leftVOnscreen() const { return leftVOnscreen_; }
     int playingSq() const { return playingSq_; }
     int playingTact() const { return playingTact_; }
@@ -108,6 +110,8 @@ public:
     Q_INVOKABLE QRectF scrollViewFrame() const;
     Q_INVOKABLE QRectF headFrame(int row) const;
     Q_INVOKABLE QRectF volumeFrame(int row) const;
+    // An enlarged row volume covers the whole screen, in the column's coordinates.
+    Q_INVOKABLE QRectF volumeEnlargedFrame() const;
     Q_INVOKABLE QRectF titleFrame(int row) const;
     Q_INVOKABLE QRectF pictureFrame(int row) const;
     Q_INVOKABLE QRectF trashFrame(int row) const;

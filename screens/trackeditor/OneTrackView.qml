@@ -149,7 +149,7 @@ StackScreen {
         width: view.width
         height: Framr.bottomPanelHei + 300
         color: vc.panelColor
-        z: 6
+        z: vc.bpmView.fullscr ? 11 : 6
 
         ImageButton {
             objectName: "pauseButton"
@@ -167,6 +167,10 @@ StackScreen {
             color: vc.trashTint
             onClicked: vc.trashOkPressed()
         }
+        // The tempo: in the main colour, or the open row's colour.
+        Binding { target: vc.bpmView; property: "initialFrame"; value: Framr.ffBpmButton }
+        Binding { target: vc.bpmView; property: "enlargedFrame"; value: Framr.ffBPMfullScrn }
+        Binding { target: vc.bpmView; property: "color"; value: vc.trackloopView ? vc.panelColor : Colorer.mainColor }
         LAAdjustViewItem {
             objectName: "bpmView"
             adjuster: vc.bpmView

@@ -59,10 +59,16 @@ Rectangle {
         folders.currentIndex = panel.rowView.folderRow
         loops.currentIndex = panel.rowView.loopRow
     }
-    Component.onCompleted: Qt.callLater(panel.placeWheels)
+    // After the wheels have their models.
+    Timer {
+        id: wheelsLater
+        interval: 0
+        onTriggered: panel.placeWheels()
+    }
+    Component.onCompleted: wheelsLater.restart()
     Connections {
         target: panel.rowView
-        function onPickerChanged() { Qt.callLater(panel.placeWheels) }
+        function onPickerChanged() { wheelsLater.restart() }
     }
 
     // The loop picker: "All loops" and the folders on the left, their loops on the right.

@@ -12,17 +12,19 @@ Item {
     id: heads
 
     required property OneTrackVC controller
-    readonly property rect frame: controller.leftViewFrame()
+    // Re-read on every edit, resize and slide.
+    readonly property int layout: heads.controller.revision + Framr.revision
+    readonly property rect frame: {
+        heads.layout
+        heads.controller.leftVOnscreen
+        return heads.controller.leftViewFrame()
+    }
 
     x: frame.x
     y: frame.y
     width: frame.width
     height: frame.height
     Behavior on x { NumberAnimation { duration: 300; easing.type: Easing.InOutQuad } }
-    Connections {
-        target: heads.controller
-        function onLeftVOnscreenChanged() { heads.x = heads.controller.leftViewFrame().x }
-    }
 
     Rectangle { anchors.fill: parent; color: "white" }
 
@@ -31,8 +33,8 @@ Item {
         delegate: Item {
             id: head
             required property int index
-            readonly property bool marked: heads.controller.revision < 0 ? false : heads.controller.rowsToDelete.indexOf(index) >= 0
-            readonly property rect bg: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.headFrame(index)
+            readonly property bool marked: heads.layout < 0 ? false : heads.controller.isRowMarked(head.index)
+            readonly property rect bg: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.headFrame(index)
             // One per place for as long as the screen lives, so never gone before this head.
             readonly property VolumeView volume: heads.controller.rowVolumeView(head.index)
             readonly property LoopView picture: heads.controller.rowLoopView(head.index)
@@ -42,27 +44,36 @@ Item {
                 objectName: "rowHead" + head.index
                 x: head.bg.x; y: head.bg.y; width: head.bg.width; height: head.bg.height
                 radius: 6
-                color: heads.controller.revision < 0 ? "transparent" : heads.controller.rowColor(head.index)
+                color: heads.layout < 0 ? "transparent" : heads.controller.rowColor(head.index)
                 Accessible.role: Accessible.Button
                 Accessible.name: title.text
                 TapHandler { onTapped: heads.controller.trackLoopPressed(head.index) }
             }
             KitLabel {
                 id: title
-                readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.titleFrame(head.index)
+                readonly property rect f: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.titleFrame(head.index)
                 x: f.x; y: f.y; width: f.width; height: f.height
-                text: heads.controller.revision < 0 ? "" : heads.controller.rowName(head.index)
+                text: heads.layout < 0 ? "" : heads.controller.rowName(head.index)
                 horizontalAlignment: Text.AlignLeft
                 font.pixelSize: Math.max(Uier.minTextPixelSize, height * 0.3)
-                wrapMode: Text.WordWrap
-                maximumLineCount: 2
             }
             // The loop's picture, tiles of the row's colour shifted darker.
             LoopViewItem {
                 objectName: "rowPicture" + head.index
-                readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.pictureFrame(head.index)
+                readonly property rect f: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.pictureFrame(head.index)
                 loopView: head.picture
                 x: f.x; y: f.y; width: f.width; height: f.height
+            }
+            // Placed here, so they follow the window's size.
+            Binding {
+                target: head.volume
+                property: "initialFrame"
+                value: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.volumeFrame(head.index)
+            }
+            Binding {
+                target: head.volume
+                property: "enlargedFrame"
+                value: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.volumeEnlargedFrame()
             }
             LAAdjustViewItem {
                 objectName: "rowVolume" + head.index
@@ -72,7 +83,7 @@ Item {
             }
             ImageButton {
                 objectName: "rowTrash" + head.index
-                readonly property rect f: heads.controller.trashFrame(head.index)
+                readonly property rect f: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.trashFrame(head.index)
                 visible: heads.controller.deleting
                 x: f.x; y: f.y; width: f.width; height: f.height
                 image: "cancelButton"
@@ -85,7 +96,7 @@ Item {
 
     ImageButton {
         objectName: "newRowButton"
-        readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.newRowFrame()
+        readonly property rect f: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.newRowFrame()
         visible: heads.controller.canAddRow && !heads.controller.deleting
         x: f.x; y: f.y; width: f.width; height: f.height
         image: "addButton"
