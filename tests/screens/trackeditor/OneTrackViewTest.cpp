@@ -119,7 +119,12 @@ protected:
     // Longer than the wait for a further tap.
     static void settle() { QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 150); }
 
-    QPointingDevice* touchScreen = QTest::createTouchDevice(QInputDevice::DeviceType::TouchScreen);
+    // One touch screen for the whole program: the window system keeps every device it is shown.
+    static QPointingDevice* touchScreenDevice() {
+        static QPointingDevice* const device = QTest::createTouchDevice(QInputDevice::DeviceType::TouchScreen);
+        return device;
+    }
+    QPointingDevice* touchScreen = touchScreenDevice();
     QQmlEngine engine;
     QQuickWindow window;
     QQuickItem* screen = nullptr;
