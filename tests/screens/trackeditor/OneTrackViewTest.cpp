@@ -193,16 +193,27 @@ TEST_F(OneTrackViewTest, ATwoFingerTapSlidesTheRowHeadsOutAndIn) {
     EXPECT_TRUE(Tacter::isSquareSelected(3, track->trackloops()[1]));
 }
 
-TEST_F(OneTrackViewTest, TheSquaresNumberViewOpensAndClosesWithoutAWarning) {
-    Track* track = makeTrack(4, {0});
+// Adjusters whose controllers went before their items printed "Cannot read
+// property ... of null" when a row was deleted.
+TEST_F(OneTrackViewTest, DeletingRowsAndTheSquaresNumberViewPrintNoWarning) {
+    Track* track = makeTrack(4, {0, 0, 0});
     OneTrackVC* c = load(track);
     ASSERT_NE(c, nullptr);
+    WarningRecorder recorder;
+
+    QTest::keyClick(&window, Qt::Key_Delete);
+    ASSERT_TRUE(c->deleting());
+    QQuickItem* rowTrash = findItem(screen, QStringLiteral("rowTrash1"));
+    ASSERT_NE(rowTrash, nullptr);
+    QTest::mouseClick(&window, Qt::LeftButton, {}, centerOf(rowTrash));
+    QTest::keyClick(&window, Qt::Key_Delete);  // OK: the marked row goes
+    QTest::qWait(400);
+    EXPECT_EQ(c->rowCount(), 2);
+
     QQuickItem* button = findItem(screen, QStringLiteral("squaresNumButton"));
     ASSERT_NE(button, nullptr);
     c->setScrollX(c->contentWidth() - c->visibleWidth());  // the button after the last square in sight
     QTest::qWait(50);
-
-    WarningRecorder recorder;
     for (int round = 0; round < 2; ++round) {
         QTest::mouseClick(&window, Qt::LeftButton, {}, centerOf(button));
         QTest::qWait(400);  // enlarged
