@@ -49,9 +49,14 @@ void addTrackEditorScreenshots(ScreenshotRunner& runner, QuilloWindow& window) {
                     }
                     return w->window();
                 }});
+    runner.add({QStringLiteral("track-editor-row-colour"), [w] {
+                    if (OneTrackVC* c = editor(w))
+                        if (TrackLoopView* row = c->trackloopView()) row->colorPressed();
+                    return w->window();
+                }});
     runner.add({QStringLiteral("track-editor-deleting"), [w] {
                     if (OneTrackVC* c = editor(w)) {
-                        c->trashOkPressed();  // closes the row
+                        c->trashOkPressed();  // closes the row and its colour chooser
                         c->trashOkPressed();  // starts deleting
                         c->trashButtonsPressed(2);
                     }
@@ -61,9 +66,9 @@ void addTrackEditorScreenshots(ScreenshotRunner& runner, QuilloWindow& window) {
                     if (OneTrackVC* c = editor(w)) {
                         c->trashOkPressed();  // deletes the marked row
                         c->trackSquaresPressed();
-                        if (SquaresNumView* v = c->sqNumView()) {
-                            v->setValue(24);
-                            c->updateSquaresNum(v);
+                        if (c->squaresNumOpen()) {
+                            c->sqNumView()->setValue(24);
+                            c->updateSquaresNum(c->sqNumView());
                         }
                     }
                     return w->window();

@@ -19,6 +19,7 @@ void LoopView::setLoopName(const QString& name) {
 void LoopView::changeInstrumentsForNewLoop(Loop* loop) {
     m_loop = loop;
     m_colors.clear();
+    stopAllSounding();
     if (loop) {
         const auto& instruments = loop->instruments();
         const size_t n = std::min<size_t>(instruments.size(), kSlots);
@@ -51,4 +52,18 @@ void LoopView::changeInstrColorToDarkerIfSameAs(int colorNumber) {
         if (darker) m_colors[i] = toQColor(*darker);
     }
     emit tilesChanged();
+}
+
+void LoopView::setTileSounding(int instrument, bool sounding) {
+    if (instrument < 0 || instrument >= kSlots) return;
+    const int mask = sounding ? m_sounding | (1 << instrument) : m_sounding & ~(1 << instrument);
+    if (mask == m_sounding) return;
+    m_sounding = mask;
+    emit soundingChanged();
+}
+
+void LoopView::stopAllSounding() {
+    if (m_sounding == 0) return;
+    m_sounding = 0;
+    emit soundingChanged();
 }

@@ -18,6 +18,8 @@ class LoopView : public QObject {
     // Per instrument, in order.
     Q_PROPERTY(QList<QColor> colors READ colors NOTIFY tilesChanged)
     Q_PROPERTY(QStringList photoSources READ photoSources NOTIFY tilesChanged)
+    // One bit per instrument whose sound is sounding now: its tile shows smaller.
+    Q_PROPERTY(int sounding READ sounding NOTIFY soundingChanged)
 
 public:
     static constexpr int kSlots = 8;
@@ -32,6 +34,7 @@ public:
     QList<QColor> colors() const { return m_colors; }
     QStringList photoSources() const { return m_photos; }
     Loop* loop() const { return m_loop; }
+    int sounding() const { return m_sounding; }
 
     // Rebuilds the tiles for another loop.
     void changeInstrumentsForNewLoop(Loop* loop);
@@ -40,13 +43,18 @@ public:
     // Tiles whose sound has this colour number darken a little, so they stand
     // out from a background of the same colour.
     Q_INVOKABLE void changeInstrColorToDarkerIfSameAs(int colorNumber);
+    // A player's report that the sound of instrument i starts or stops sounding.
+    void setTileSounding(int instrument, bool sounding);
+    void stopAllSounding();
 
 signals:
     void tilesChanged();
+    void soundingChanged();
 
 private:
     Loop* m_loop = nullptr;
     bool m_photosShown = false;
     QList<QColor> m_colors;
     QStringList m_photos;
+    int m_sounding = 0;
 };

@@ -33,6 +33,8 @@ Item {
             width: place.width
             height: place.height
             color: root.loopView.colors[index]
+            scale: (root.loopView.sounding & (1 << index)) !== 0 ? 0.75 : 1  // the kit's sounding size
+            Behavior on scale { NumberAnimation { duration: Animator.choiceButtonTime * 1000 } }
 
             PhotoView {
                 readonly property rect spot: Framr.ffExportPhotoOnInstr(Qt.size(tile.width, tile.height))

@@ -27,6 +27,10 @@ OneTrackVC::OneTrackVC(QObject* parent) : OneLoopOrTrackVC(parent) {
     _bpmView->setEnlargedFrame(Framr::ffBPMfullScrn());
     // The tempo shows on the adjuster's own colour in every panel colour.
     _bpmView->setTitleColor(KitColorer::backgColor());
+    sqNumV_ = std::make_unique<SquaresNumView>();
+    sqNumV_->setDelegate(this);
+    sqNumV_->setTitleColor(KitColorer::backgColor());
+    sqNumV_->setEnlargedFrame(Framr::fullScrnCircle());
     connect(&taps_, &TapCounter::tappedOnce, this, [this](QPointF p) { tappedOnce(p.x(), p.y()); });
     connect(&taps_, &TapCounter::tappedTwice, this, [this](QPointF p) { tappedTwice(p.x(), p.y()); });
     connect(&taps_, &TapCounter::tappedTrice, this, [this](QPointF p) { tappedTrice(p.x(), p.y()); });
@@ -58,7 +62,7 @@ void OneTrackVC::viewDidLoad(Track* track) {
     track_ = track;
     setUpBase(static_cast<float>(track->bpm()));
     setTitle(QString::fromStdString(track->name()));
-    setupVolumeViews();
+    setupRowHeads();
     emit trackChanged();
     touched();
     startTrackFromSquare(0);
@@ -85,6 +89,10 @@ QVariantList OneTrackVC::rowsToDelete() const {
     return out;
 }
 
+bool OneTrackVC::isRowMarked(int row) const {
+    return std::find(_instrsToDelete.begin(), _instrsToDelete.end(), row) != _instrsToDelete.end();
+}
+
 int OneTrackVC::openRow() const {
     if (!trackloopV_ || !track_) return -1;
     const auto& rows = track_->trackloops();
@@ -96,7 +104,7 @@ bool OneTrackVC::panelHidesNavigationBar() const {
     bool volumeEnlarged = false;
     for (const auto& v : ltrackVols_)
         if (v && v->fullscr()) volumeEnlarged = true;
-    return sqNumV_ || volumeEnlarged;
+    return sqNumOpen_ || volumeEnlarged;
 }
 
 void OneTrackVC::setScrollX(double x) {
@@ -115,17 +123,8 @@ QColor OneTrackVC::rowColor(int row) const {
     return r ? toQColor(Colorer::colorForNumber(r->color())) : QColor();
 }
 
-QVariantList OneTrackVC::rowTileColors(int row) const {
-    QVariantList out;
-    TrackLoop* r = rowAt(row);
-    if (!r || !r->loop()) return out;
-    for (Instrument* i : r->loop()->instruments()) {
-        const int num = i->sound() ? i->sound()->color() : 0;
-        Color c = Colorer::colorForNumber(num);
-        if (num == r->color()) c = *Colorer::changedColorForColor(c, -0.03);
-        out.append(toQColor(c));
-    }
-    return out;
+LoopView* OneTrackVC::rowLoopView(int row) const {
+    return row >= 0 && row < kMaxRows ? ltrackInstrBgs_[static_cast<size_t>(row)].get() : nullptr;
 }
 
 VolumeView* OneTrackVC::rowVolumeView(int row) const {
@@ -144,23 +143,27 @@ QColor OneTrackVC::squareColor(int row, int square) const {
     return c;
 }
 
-void OneTrackVC::setupVolumeViews() {
+// The heads' adjusters and pictures live as long as the screen, one per
+// place: a head's view may still read them while its row goes away.
+void OneTrackVC::setupRowHeads() {
     for (int r = 0; r < kMaxRows; ++r) {
         auto& v = ltrackVols_[static_cast<size_t>(r)];
-        TrackLoop* row = rowAt(r);
-        if (!row) {
-            v.reset();
-            continue;
-        }
+        auto& picture = ltrackInstrBgs_[static_cast<size_t>(r)];
+        // Children, so the view never takes them over as its own.
+        if (!picture) picture = std::make_unique<LoopView>(this);
         if (!v) {
-            v = std::make_unique<VolumeView>();
+            v = std::make_unique<VolumeView>(this);
             v->setDelegate(this);
             connect(v.get(), &LAAdjustView::fullscrChanged, this, &OneTrackVC::refreshNavigationBar);
         }
+        TrackLoop* row = rowAt(r);
+        picture->changeInstrumentsForNewLoop(row ? row->loop() : nullptr);
+        if (!row) continue;
+        picture->changeInstrColorToDarkerIfSameAs(row->color());
         v->setValue(row->volume());
         // The column's coordinates: enlarged, it covers the whole screen.
         v->setInitialFrame(TrackFramr::ffTrackVolumeForLt(r));
-        v->setEnlargedFrame(Framr::fullScrnCircle().translated(-TrackFramr::ffTrackLeftViewOnScreen(true).topLeft()));
+        v->setEnlargedFrame(volumeEnlargedFrame());
         v->setTitleColor(KitColorer::backgColor());
     }
 }
@@ -169,6 +172,9 @@ QRectF OneTrackVC::leftViewFrame() const { return TrackFramr::ffTrackLeftViewOnS
 QRectF OneTrackVC::scrollViewFrame() const { return TrackFramr::ffTrackScrollViewLVOnScreen(leftVOnscreen_); }
 QRectF OneTrackVC::headFrame(int row) const { return TrackFramr::ffTrackVolumeAndTitlBgForLt(row); }
 QRectF OneTrackVC::volumeFrame(int row) const { return TrackFramr::ffTrackVolumeForLt(row); }
+QRectF OneTrackVC::volumeEnlargedFrame() const {
+    return Framr::fullScrnCircle().translated(-TrackFramr::ffTrackLeftViewOnScreen(true).topLeft());
+}
 QRectF OneTrackVC::titleFrame(int row) const { return TrackFramr::ffTrackTitleForLt(row); }
 QRectF OneTrackVC::pictureFrame(int row) const { return TrackFramr::ffTrackAllInstrBgsForLt(row); }
 QRectF OneTrackVC::trashFrame(int row) const { return TrackFramr::ffTrackTrashImageForLt(row); }
@@ -297,6 +303,32 @@ void OneTrackVC::pausePressed() {
     setPlayerPaused(_paused);
 }
 
+bool OneTrackVC::escapePressed() {
+    if (trackloopV_ && trackloopV_->soundColorV()) {
+        trackloopV_->removeSoundColorView();
+        return true;
+    }
+    if (sqNumOpen_) {
+        closeSquaresNum();
+        return true;
+    }
+    for (const auto& v : ltrackVols_) {
+        if (v && v->fullscr()) {
+            v->pressed();
+            return true;
+        }
+    }
+    if (_bpmView->fullscr()) {
+        _bpmView->pressed();
+        return true;
+    }
+    if (trackloopV_ || _deleting) {
+        trashOkPressed();
+        return true;
+    }
+    return false;
+}
+
 void OneTrackVC::animatePlayingSquare(uint16_t square) {
     playingSq_ = square;
     playingTact_ = 0;
@@ -347,11 +379,16 @@ void OneTrackVC::trackLoopPressed(int row) {
 
 void OneTrackVC::removeTrackloopView() {
     if (!trackloopV_) return;
+    trackloopV_->removeSoundColorView();
     trackloopV_->stopPreview();
-    trackloopV_.reset();
+    // Deleted later, after the view has let go of its panel: the panel's
+    // bindings read the row view until then.
+    TrackLoopView* closing = trackloopV_.release();
+    closing->dropDelegate();
+    emit trackloopViewChanged();
+    closing->deleteLater();
     setPaused(true);
     setPanelColor(KitColorer::backgColor());
-    emit trackloopViewChanged();
     updateTrashImage();
     refreshNavigationBar();
     touched();
@@ -359,7 +396,8 @@ void OneTrackVC::removeTrackloopView() {
 
 void OneTrackVC::loopWasChanged() {
     if (trackloopV_) setPanelColor(trackloopV_->color());
-    touched();  // every head shows its loop's picture and colour again
+    setupRowHeads();  // every head of that loop shows its new picture
+    touched();
 }
 
 void OneTrackVC::openLoop(Loop* loop) {
@@ -394,7 +432,7 @@ void OneTrackVC::newLtPressed() {
     rows.push_back(row);
     track_->setTrackloops(rows);
     d.save();
-    setupVolumeViews();
+    setupRowHeads();
     touched();
     trackLoopPressed(rowCount() - 1);
 }
@@ -429,19 +467,17 @@ void OneTrackVC::tempoChanged(float bpm) {
 }
 
 void OneTrackVC::trackSquaresPressed() {
-    if (_deleting || !track_ || sqNumV_) return;
+    if (_deleting || !track_ || sqNumOpen_) return;
     stopTrackForChanges();
-    sqNumV_ = std::make_unique<SquaresNumView>();
-    sqNumV_->setDelegate(this);
     sqNumV_->setValue(squaresnum());
-    sqNumV_->setTitleColor(KitColorer::backgColor());
     QRectF place = TrackFramr::ffTrackSquaresNumBtn(squaresnum());
     // In the screen's space above the panel, where the view puts the adjuster.
     const QRectF area = TrackFramr::ffTrackScrollViewLVOnScreen(leftVOnscreen_);
     place.translate(area.x() - scrollX_, area.y());
     sqNumV_->setInitialFrame(place);
     sqNumV_->setEnlargedFrame(Framr::fullScrnCircle());
-    sqNumV_->enlargAdjustView();
+    if (!sqNumV_->fullscr()) sqNumV_->enlargAdjustView();
+    sqNumOpen_ = true;
     emit sqNumViewChanged();
     refreshNavigationBar();
 }
@@ -455,12 +491,17 @@ void OneTrackVC::updateSquaresNum(SquaresNumView* view) {
 }
 
 void OneTrackVC::squaresNumViewPressed(SquaresNumView* view) {
-    if (view != sqNumV_.get()) return;
-    // Deleted later: the view is inside its own call.
-    sqNumV_.release()->deleteLater();
+    if (view != sqNumV_.get() || !sqNumOpen_) return;
+    sqNumOpen_ = false;
     emit sqNumViewChanged();
     refreshNavigationBar();
     touched();
+}
+
+void OneTrackVC::closeSquaresNum() {
+    if (!sqNumOpen_) return;
+    if (sqNumV_->fullscr()) sqNumV_->enlargAdjustView();  // as a tap on it would
+    squaresNumViewPressed(sqNumV_.get());
 }
 
 // ---- Deleting rows
@@ -496,7 +537,7 @@ void OneTrackVC::applyDelete() {
         d.save();
     }
     _instrsToDelete.clear();
-    setupVolumeViews();
+    setupRowHeads();
     touched();
 }
 

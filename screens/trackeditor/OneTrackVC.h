@@ -20,6 +20,7 @@
 #include "screens/loopeditor/OneLoopOrTrackVC.h"
 #include "screens/kit/SquaresNumView.h"
 #include "screens/kit/VolumeView.h"
+#include "screens/loopeditor/LoopView.h"
 #include "screens/trackeditor/TrackLoopView.h"
 #include "screens/trackeditor/internal/TapCounter.h"
 
@@ -46,7 +47,10 @@ class OneTrackVC : public OneLoopOrTrackVC,
     Q_PROPERTY(bool leftVOnscreen READ leftVOnscreen NOTIFY leftVOnscreenChanged)
     Q_PROPERTY(int playingSq READ playingSq NOTIFY playPositionChanged)
     Q_PROPERTY(int playingTact READ playingTact NOTIFY playPositionChanged)
-    Q_PROPERTY(SquaresNumView* sqNumView READ sqNumView NOTIFY sqNumViewChanged)
+    // The squares-number adjuster lives as long as the screen, so that its view
+    // never outlives it; squaresNumOpen says whether it is showing.
+    Q_PROPERTY(SquaresNumView* sqNumView READ sqNumView CONSTANT)
+    Q_PROPERTY(bool squaresNumOpen READ squaresNumOpen NOTIFY sqNumViewChanged)
     Q_PROPERTY(TrackLoopView* trackloopView READ trackloopView NOTIFY trackloopViewChanged)
     Q_PROPERTY(int openRow READ openRow NOTIFY trackloopViewChanged)
     Q_PROPERTY(double scrollX READ scrollX WRITE setScrollX NOTIFY scrollXChanged)
@@ -73,10 +77,13 @@ public:
     int squaresnum() const;
     bool canAddRow() const { return track_ && rowCount() < kMaxRows; }
     QVariantList rowsToDelete() const;
+    // Marked for deletion: its head and line are gone until the deletion is applied.
+    Q_INVOKABLE bool isRowMarked(int row) const;
     bool leftVOnscreen() const { return leftVOnscreen_; }
     int playingSq() const { return playingSq_; }
     int playingTact() const { return playingTact_; }
     SquaresNumView* sqNumView() const { return sqNumV_.get(); }
+    bool squaresNumOpen() const { return sqNumOpen_; }
     TrackLoopView* trackloopView() const { return trackloopV_.get(); }
     int openRow() const;
     double scrollX() const { return scrollX_; }
@@ -91,7 +98,8 @@ public:
     // Row heads and squares, for the view.
     Q_INVOKABLE QString rowName(int row) const;
     Q_INVOKABLE QColor rowColor(int row) const;
-    Q_INVOKABLE QVariantList rowTileColors(int row) const;
+    // The row's loop picture, tiles of the row's colour shifted darker.
+    Q_INVOKABLE LoopView* rowLoopView(int row) const;
     Q_INVOKABLE VolumeView* rowVolumeView(int row) const;
     Q_INVOKABLE bool isSquareSelected(int row, int square) const;
     Q_INVOKABLE QColor squareColor(int row, int square) const;
@@ -102,6 +110,8 @@ public:
     Q_INVOKABLE QRectF scrollViewFrame() const;
     Q_INVOKABLE QRectF headFrame(int row) const;
     Q_INVOKABLE QRectF volumeFrame(int row) const;
+    // An enlarged row volume covers the whole screen, in the column's coordinates.
+    Q_INVOKABLE QRectF volumeEnlargedFrame() const;
     Q_INVOKABLE QRectF titleFrame(int row) const;
     Q_INVOKABLE QRectF pictureFrame(int row) const;
     Q_INVOKABLE QRectF trashFrame(int row) const;
@@ -135,6 +145,10 @@ public:
     // Play/pause: with a row open it plays or stops the row's preview; with
     // the track stopped it plays from square 0. Ignored while deleting.
     Q_INVOKABLE void pausePressed();
+    // Escape: closes what is open on top (colour chooser, squares number, an
+    // enlarged adjuster, the row, deleting); false when nothing was, so the
+    // view goes back.
+    Q_INVOKABLE bool escapePressed();
     // The loop editor opened on a row closed with this loop (maybe a user copy).
     void loopChanged(Loop* loop);
     Q_INVOKABLE void loopEditorClosed(const QString& loopName);
@@ -196,7 +210,8 @@ private:
     void setPaused(bool paused);
     void dropPlayer();
     TrackLoop* rowAt(int row) const;
-    void setupVolumeViews();
+    void setupRowHeads();
+    void closeSquaresNum();
 
     Track* track_ = nullptr;
     bool leftVOnscreen_ = true;
@@ -206,7 +221,9 @@ private:
     double scrollX_ = 0;
     double visibleWidth_ = 0;
     std::array<std::unique_ptr<VolumeView>, kMaxRows> ltrackVols_;
+    std::array<std::unique_ptr<LoopView>, kMaxRows> ltrackInstrBgs_;
     std::unique_ptr<SquaresNumView> sqNumV_;
+    bool sqNumOpen_ = false;
     std::unique_ptr<TrackLoopView> trackloopV_;
     TapCounter taps_;
     std::shared_ptr<Trackplayer> trackplayer_;

@@ -1,7 +1,10 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import Quillo.Kit
 import Quillo.Lists
+import Quillo.LoopEditor
+import Quillo.SoundEditor
 import Quillo.TrackEditor
 
 // The track editor screen: the row heads on the left, the scrolling area of
@@ -12,12 +15,17 @@ StackScreen {
 
     property string trackName
     readonly property OneTrackVC controller: vc
+    // The loop editor pushed from a row, until it comes back.
+    property OneLoopView loopEditor: null
+    // The colour chooser open over everything, or none.
+    property SoundColorView colorChooserView: null
+    // On top of the stack, or shown on its own.
+    readonly property bool active: view.StackView.view === null || view.StackView.status === StackView.Active
 
     title: vc.title
     leftBarButton: vc.leftBarButton
     navigationBarHidden: vc.navigationBarHidden
-    Accessible.name: title
-    focus: true
+    Accessible.name: view.title
 
     onLeftBarButtonTapped: vc.menuButtonTapped()
     StackView.onRemoved: vc.menuButtonTapped()
@@ -29,69 +37,105 @@ StackScreen {
             view.loopEditor = null
         }
     }
-    property Item loopEditor: null
 
-    Keys.onSpacePressed: vc.pausePressed()
-    Keys.onDeletePressed: vc.trashOkPressed()
-    Keys.onEscapePressed: {
-        if (vc.trackloopView) vc.trashOkPressed()
-        else if (vc.deleting) vc.trashOkPressed()
-        else vc.menuButtonTapped()
+    Shortcut { sequence: "Space"; enabled: view.active; onActivated: vc.pausePressed() }
+    Shortcut { sequence: "Delete"; enabled: view.active; onActivated: vc.trashOkPressed() }
+    Shortcut { sequence: "M"; enabled: view.active; onActivated: vc.doubleTouch() }
+    Shortcut {
+        sequence: "Escape"
+        enabled: view.active
+        onActivated: if (!vc.escapePressed()) vc.menuButtonTapped()
     }
-    Keys.onPressed: (event) => { if (event.key === Qt.Key_M) { vc.doubleTouch(); event.accepted = true } }
 
     OneTrackVC {
         id: vc
         trackName: view.trackName
-        onCloseRequested: if (view.StackView.view && view.StackView.view.depth > 1) view.StackView.view.pop()
-        onOpenLoopRequested: (loopName) => {
-            view.loopEditor = view.openInStack("qrc:/qt/qml/Quillo/LoopEditor/OneLoopView.qml", { loopName: loopName })
+        onCloseRequested: {
+            const stack = view.StackView.view
+            if (stack && stack.depth > 1) stack.pop()
         }
-        onExportRequested: (kind, name, borderColor) => {
+        onOpenLoopRequested: (loopName) => {
+            view.loopEditor = view.openInStack("qrc:/qt/qml/Quillo/LoopEditor/OneLoopView.qml", { loopName: loopName }) as OneLoopView
+        }
+        onExportRequested: (kind, name) => {
             view.openInStack("qrc:/qt/qml/Quillo/Export/ExportView.qml", { kind: kind, name: name })
+        }
+        // The row view's panel comes and goes with it; it is handed its row
+        // view once, so it never reads a closed one.
+        onTrackloopViewChanged: {
+            if (vc.trackloopView)
+                rowPanel.setSource(Qt.resolvedUrl("TrackLoopPanel.qml"), { rowView: vc.trackloopView })
+            else
+                rowPanel.source = ""
         }
     }
 
     // Pushes another screen's view when its module is linked; says so otherwise.
-    function openInStack(url, properties) : Item {
+    function openInStack(url: string, properties: var) : Item {
         const component = Qt.createComponent(url)
-        if (component.status !== Component.Ready || !view.StackView.view) {
+        const stack = view.StackView.view
+        if (component.status !== Component.Ready || !stack) {
             console.log("Not available:", url)
             return null
         }
-        return view.StackView.view.push(component, properties)
+        return stack.push(component, properties)
     }
 
     Rectangle { anchors.fill: parent; color: "white" }
 
-    TrackSquaresArea {
-        id: area
-        objectName: "squaresArea"
-        controller: vc
-        z: vc.leftVOnscreen ? 1 : 2
-    }
+    // A two-finger tap anywhere over the rows (or a right click, or the M
+    // key) slides the heads out or in.
+    TwoFingerTapArea {
+        objectName: "twoFingerTap"
+        anchors.fill: parent
+        onTapped: vc.doubleTouch()
 
-    TrackRowHeads {
-        objectName: "rowHeads"
-        controller: vc
-        z: vc.leftVOnscreen ? 2 : 1
-    }
+        TrackSquaresArea {
+            objectName: "squaresArea"
+            controller: vc
+            z: vc.leftVOnscreen ? 1 : 2
+        }
 
-    // Right click (or the M key): the heads slide out or in.
+        TrackRowHeads {
+            objectName: "rowHeads"
+            controller: vc
+            z: vc.leftVOnscreen ? 2 : 1
+        }
+    }
     TapHandler {
         acceptedButtons: Qt.RightButton
         onTapped: vc.doubleTouch()
     }
 
-    TrackLoopPanel {
+    Loader {
+        id: rowPanel
         objectName: "trackLoopPanel"
-        visible: vc.trackloopView !== null
-        rowView: vc.trackloopView
         x: 0
         y: 0
-        width: parent.width
+        width: view.width
         height: view.height - Framr.bottomPanelHei
         z: 5
+    }
+    Connections {
+        target: vc.trackloopView
+        function onSoundColorVChanged() {
+            const chooser = vc.trackloopView.soundColorV
+            if (chooser === null || chooser === view.colorChooserView) return
+            view.colorChooserView = chooser
+            colorChooser.setSource("qrc:/qt/qml/Quillo/SoundEditor/SoundColorViewItem.qml", { view: chooser })
+        }
+    }
+    // The colour chooser over the whole screen; it goes after a pick or Escape.
+    Loader {
+        id: colorChooser
+        z: 20
+    }
+    Connections {
+        target: view.colorChooserView
+        function onRemoveSoundColorView() {
+            colorChooser.source = ""
+            view.colorChooserView = null
+        }
     }
 
     // The bottom panel and the strip under it.
@@ -105,7 +149,7 @@ StackScreen {
         width: view.width
         height: Framr.bottomPanelHei + 300
         color: vc.panelColor
-        z: 6
+        z: vc.bpmView.fullscr ? 11 : 6
 
         ImageButton {
             objectName: "pauseButton"
@@ -123,16 +167,22 @@ StackScreen {
             color: vc.trashTint
             onClicked: vc.trashOkPressed()
         }
+        // The tempo: in the main colour, or the open row's colour.
+        Binding { target: vc.bpmView; property: "initialFrame"; value: Framr.ffBpmButton }
+        Binding { target: vc.bpmView; property: "enlargedFrame"; value: Framr.ffBPMfullScrn }
+        Binding { target: vc.bpmView; property: "color"; value: vc.trackloopView ? vc.panelColor : Colorer.mainColor }
         LAAdjustViewItem {
             objectName: "bpmView"
             adjuster: vc.bpmView
         }
     }
 
-    // The number of squares, enlarged over everything while it is open.
-    Loader {
-        active: vc.sqNumView !== null
+    // The number of squares, enlarged over everything while it is open. Its
+    // adjuster lives as long as the screen, so this item never outlives it.
+    LAAdjustViewItem {
+        objectName: "squaresNumView"
+        adjuster: vc.sqNumView
+        visible: vc.squaresNumOpen
         z: 10
-        sourceComponent: LAAdjustViewItem { objectName: "squaresNumView"; adjuster: vc.sqNumView }
     }
 }

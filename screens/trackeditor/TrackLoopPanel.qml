@@ -1,147 +1,123 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import Quillo.Kit
+import Quillo.LoopEditor
 import Quillo.TrackEditor
 
-// An open row: the loop's name and picture (a tap opens the loop in the loop
-// editor), the colour button with the colour chooser, and the loop picker.
+// An open row in its colour: the loop's name and picture (a tap opens the
+// loop in the loop editor), the colour button, and the loop picker.
 Rectangle {
     id: panel
 
-    property TrackLoopView rowView
-    property bool choosingColor: false
+    required property TrackLoopView rowView
 
-    color: rowView ? rowView.color : Colorer.backgColor
+    color: panel.rowView.color
 
     KitLabel {
         id: title
-        x: 16; y: 8
-        width: parent.width - 32
+        objectName: "rowTitle"
+        x: 16
+        y: 12
+        width: panel.width - 32
         height: 44
-        text: panel.rowView ? panel.rowView.title : ""
+        text: panel.rowView.title
     }
 
-    // The loop's picture.
-    Grid {
+    // The loop's picture, its tiles shrinking while the preview sounds them.
+    LoopViewItem {
         id: picture
         objectName: "rowLoopPicture"
         readonly property real side: Math.min(panel.width * 0.5, panel.height * 0.3)
+        loopView: panel.rowView.loopView
         x: (panel.width - side) / 2
-        y: title.y + title.height + 8
-        width: side; height: side
-        columns: 2
-        spacing: 3
+        y: title.y + title.height + 12
+        width: side
+        height: side
         Accessible.role: Accessible.Button
-        Accessible.name: qsTr("Open loop")
-        Repeater {
-            model: panel.rowView ? panel.rowView.tileColors.length : 0
-            Rectangle {
-                required property int index
-                width: (picture.side - 3) / 2
-                height: (picture.side - 9) / 4
-                radius: 4
-                color: panel.rowView.tileColors[index]
-                scale: (panel.rowView.soundingTiles & (1 << index)) ? 0.75 : 1.0
-                Behavior on scale { NumberAnimation { duration: 60 } }
-            }
-        }
-        TapHandler { onTapped: if (panel.rowView) panel.rowView.openLoopPressed() }
+        Accessible.name: qsTr("Open loop %1").arg(panel.rowView.title)
+        TapHandler { onTapped: panel.rowView.openLoopPressed() }
     }
 
     ColorButton {
         objectName: "rowColorButton"
         x: picture.x + picture.width + 16
         y: picture.y + picture.height - height
-        width: 48; height: 48
-        baseColor: panel.rowView ? panel.rowView.buttonColor : Colorer.mainColor
+        width: Math.min(56, (panel.width - picture.x - picture.width) - 32)
+        height: width
+        baseColor: panel.rowView.buttonColor
+        border.width: 2
+        border.color: Colorer.backgColor
         accessibleName: qsTr("Colour")
-        onClicked: panel.choosingColor = !panel.choosingColor
+        onClicked: panel.rowView.colorPressed()  // the screen shows the chooser over everything
     }
 
     // The wheels follow the row view (a new row, another folder, a rebuilt picker).
     function placeWheels() {
-        if (!panel.rowView) return
         folders.positionViewAtIndex(panel.rowView.folderRow, Tumbler.Center)
         loops.positionViewAtIndex(panel.rowView.loopRow, Tumbler.Center)
         folders.currentIndex = panel.rowView.folderRow
         loops.currentIndex = panel.rowView.loopRow
     }
-    onRowViewChanged: Qt.callLater(panel.placeWheels)
-    onVisibleChanged: Qt.callLater(panel.placeWheels)
+    // After the wheels have their models.
+    Timer {
+        id: wheelsLater
+        interval: 0
+        onTriggered: panel.placeWheels()
+    }
+    Component.onCompleted: wheelsLater.restart()
     Connections {
         target: panel.rowView
-        function onPickerChanged() { Qt.callLater(panel.placeWheels) }
+        function onPickerChanged() { wheelsLater.restart() }
     }
 
     // The loop picker: "All loops" and the folders on the left, their loops on the right.
-    Row {
-        id: picker
+    Rectangle {
         objectName: "loopPicker"
-        visible: !panel.choosingColor
-        x: 16
-        y: picture.y + picture.height + 16
-        width: panel.width - 32
-        height: panel.height - y - 8
-        Tumbler {
-            id: folders
-            width: picker.width / 2; height: picker.height
-            model: panel.rowView ? panel.rowView.folders : []
-            delegate: Text {
-                required property var modelData
-                required property int index
-                text: modelData
-                color: "white"
-                font.bold: true
-                horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
-                elide: Text.ElideRight
-                opacity: 1.0 - Math.abs(Tumbler.displacement) / (folders.visibleItemCount / 2)
+        x: 12
+        y: picture.y + picture.height + 20
+        width: panel.width - 24
+        height: panel.height - y - 12
+        radius: 12
+        color: Qt.rgba(Colorer.backgColor.r, Colorer.backgColor.g, Colorer.backgColor.b, 0.12)
+
+        Row {
+            anchors.fill: parent
+            anchors.margins: 4
+            Tumbler {
+                id: folders
+                width: parent.width * 0.45
+                height: parent.height
+                visibleItemCount: 7
+                model: panel.rowView.folders
+                Accessible.name: qsTr("Loop folders")
+                delegate: WheelItem { wheel: folders }
+                onMovingChanged: if (!folders.moving) panel.rowView.selectFolder(folders.currentIndex)
             }
-            onMovingChanged: if (!moving && panel.rowView) panel.rowView.selectFolder(currentIndex)
-        }
-        Tumbler {
-            id: loops
-            width: picker.width / 2; height: picker.height
-            model: panel.rowView ? panel.rowView.loops : []
-            delegate: Text {
-                required property var modelData
-                required property int index
-                text: modelData
-                color: "white"
-                font.bold: true
-                horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
-                elide: Text.ElideRight
-                opacity: 1.0 - Math.abs(Tumbler.displacement) / (loops.visibleItemCount / 2)
+            Tumbler {
+                id: loops
+                width: parent.width * 0.55
+                height: parent.height
+                visibleItemCount: 7
+                model: panel.rowView.loops
+                Accessible.name: qsTr("Loops")
+                delegate: WheelItem { wheel: loops }
+                onMovingChanged: if (!loops.moving) panel.rowView.selectLoop(loops.currentIndex)
             }
-            onMovingChanged: if (!moving && panel.rowView) panel.rowView.selectLoop(currentIndex)
         }
     }
 
-    // The colour chooser: the palette, one swatch per colour number.
-    Grid {
-        objectName: "rowColorChooser"
-        visible: panel.choosingColor
-        x: 16
-        y: picker.y
-        columns: 16
-        readonly property real cell: Math.min((panel.width - 32) / 16, (panel.height - y - 8) / 9)
-        Repeater {
-            model: 144
-            Rectangle {
-                required property int index
-                width: parent.cell; height: parent.cell
-                // Column-major: each palette row (one hue) is a column here.
-                color: Colorer.colorForNumber((index % 16) * 9 + Math.floor(index / 16))
-                border.width: panel.rowView && panel.rowView.colorNum === (index % 16) * 9 + Math.floor(index / 16) ? 3 : 0
-                border.color: "white"
-                TapHandler {
-                    onTapped: {
-                        panel.rowView.colorPicked((parent.index % 16) * 9 + Math.floor(parent.index / 16))
-                        panel.choosingColor = false
-                    }
-                }
-            }
-        }
+    component WheelItem: Text {
+        required property var modelData
+        required property int index
+        required property Tumbler wheel
+        text: modelData
+        color: Colorer.backgColor
+        font.bold: true
+        font.pixelSize: 17
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        elide: Text.ElideRight
+        opacity: 1.0 - Math.abs(Tumbler.displacement) / (wheel.visibleItemCount / 2)
     }
 }

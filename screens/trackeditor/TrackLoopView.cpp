@@ -10,22 +10,18 @@
 #include "playback/PlaybackContext.h"
 #include "screens/kit/KitColorer.h"
 
-namespace {
-// Tiles of the row's own colour are shifted by this much so they show on it.
-constexpr double kSameColorDelta = -0.03;
-
-QColor darker(const Color& c, double delta) {
-    auto shifted = Colorer::changedColorForColor(c, delta);
-    return toQColor(shifted ? *shifted : c);
-}
-}  // namespace
-
 TrackLoopView::TrackLoopView(TrackLoop* trackloop, TrackLoopViewDelegate* delegate, QObject* parent)
-    : QObject(parent), trackloop_(trackloop), delegate_(delegate), colorNum_(trackloop ? trackloop->color() : 0) {
+    : QObject(parent),
+      trackloop_(trackloop),
+      delegate_(delegate),
+      colorNum_(trackloop ? trackloop->color() : 0),
+      loopV_(new LoopView(this)) {
+    refreshLoopPicture();
     addPickerWithUpdatedItems();
 }
 
 TrackLoopView::~TrackLoopView() {
+    if (soundColorV_) soundColorV_->disconnect(this);
     stopPreview();
     stopReceivingReports();
 }
@@ -33,6 +29,7 @@ TrackLoopView::~TrackLoopView() {
 void TrackLoopView::setTrackloop(TrackLoop* trackloop) {
     trackloop_ = trackloop;
     colorNum_ = trackloop ? trackloop->color() : 0;
+    refreshLoopPicture();
     emit changed();
 }
 
@@ -44,15 +41,9 @@ QColor TrackLoopView::color() const { return toQColor(Colorer::colorForNumber(co
 
 QColor TrackLoopView::buttonColor() const { return toQColor(*Colorer::darkerColorForColor(Colorer::colorForNumber(colorNum_))); }
 
-QVariantList TrackLoopView::tileColors() const {
-    QVariantList out;
-    if (!trackloop_ || !trackloop_->loop()) return out;
-    for (Instrument* i : trackloop_->loop()->instruments()) {
-        const int num = i->sound() ? i->sound()->color() : 0;
-        const Color c = Colorer::colorForNumber(num);
-        out.append(num == colorNum_ ? darker(c, kSameColorDelta) : toQColor(c));
-    }
-    return out;
+void TrackLoopView::refreshLoopPicture() {
+    loopV_->changeInstrumentsForNewLoop(trackloop_ ? trackloop_->loop() : nullptr);
+    loopV_->changeInstrColorToDarkerIfSameAs(colorNum_);
 }
 
 QStringList TrackLoopView::folders() const {
@@ -120,16 +111,37 @@ void TrackLoopView::reallyUpdateTrackLoopWithLoop(Loop* loop) {
     if (!trackloop_) return;
     trackloop_->setLoop(loop);
     CoreDater::shIns().save();
+    refreshLoopPicture();
     if (delegate_) delegate_->loopWasChanged();
     emit changed();
 }
 
+SoundColorView* TrackLoopView::colorPressed() {
+    if (soundColorV_) return soundColorV_;
+    auto* chooser = new SoundColorView(this);
+    chooser->setColorNumBefore(colorNum_);
+    chooser->setOnFScircle(false);
+    connect(chooser, &SoundColorView::colorPicked, this, &TrackLoopView::colorPicked);
+    // Deleted later: the chooser is inside its own call when it asks to go.
+    connect(chooser, &SoundColorView::removeSoundColorView, chooser, &QObject::deleteLater);
+    connect(chooser, &QObject::destroyed, this, &TrackLoopView::soundColorVChanged);
+    soundColorV_ = chooser;
+    emit soundColorVChanged();
+    return chooser;
+}
+
+void TrackLoopView::removeSoundColorView() {
+    if (soundColorV_) emit soundColorV_->removeSoundColorView();
+}
+
 void TrackLoopView::colorPicked(int colorNum) {
+    if (!trackloop_ || colorNum < 0 || colorNum >= SoundColorView::kRows * SoundColorView::kColumns) return;
+    if (delegate_) delegate_->somethingWillBeChanged();  // may rebind us to a copied row
     if (!trackloop_) return;
-    if (delegate_) delegate_->somethingWillBeChanged();
     colorNum_ = colorNum;
     trackloop_->setColor(static_cast<int16_t>(colorNum));
     CoreDater::shIns().save();
+    refreshLoopPicture();
     if (delegate_) delegate_->loopWasChanged();
     emit changed();
 }
@@ -161,7 +173,7 @@ void TrackLoopView::stopPreview() {
     }
     auto player = std::move(loopplayer_);
     Loopplayer::stopLoop(player);
-    setSoundingTiles(0);
+    loopV_->stopAllSounding();
     emit previewingChanged();
 }
 
@@ -169,20 +181,14 @@ void TrackLoopView::updateBpmInLoopplayer(float bpm) {
     if (loopplayer_) loopplayer_->setNewBpm(bpm);
 }
 
-void TrackLoopView::setSoundingTiles(int mask) {
-    if (mask == soundingTiles_) return;
-    soundingTiles_ = mask;
-    emit soundingTilesChanged();
-}
-
 void TrackLoopView::animateTact(uint16_t step) {
     if (loopplayer_ && delegate_) delegate_->animateTactOnBpmView(step);
 }
 
 void TrackLoopView::animateStartPlaying(int slot) {
-    if (loopplayer_) setSoundingTiles(soundingTiles_ | (1 << slot));
+    if (loopplayer_) loopV_->setTileSounding(slot, true);
 }
 
-void TrackLoopView::animateStopPlaying(int slot) { setSoundingTiles(soundingTiles_ & ~(1 << slot)); }
+void TrackLoopView::animateStopPlaying(int slot) { loopV_->setTileSounding(slot, false); }
 
 void TrackLoopView::loopEndRepeating() { stopPreview(); }

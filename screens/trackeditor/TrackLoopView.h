@@ -6,6 +6,7 @@
 // the user copy of a built-in track first.
 #include <QColor>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
@@ -13,6 +14,8 @@
 #include <vector>
 
 #include "playback/PlayerDelegates.h"
+#include "screens/loopeditor/LoopView.h"
+#include "screens/soundeditor/SoundColorView.h"
 
 class Loop;
 class Loopplayer;
@@ -38,13 +41,13 @@ class TrackLoopView : public QObject, public LoopplayerDelegate {
     Q_PROPERTY(int colorNum READ colorNum NOTIFY changed)
     Q_PROPERTY(QColor color READ color NOTIFY changed)
     Q_PROPERTY(QColor buttonColor READ buttonColor NOTIFY changed)
-    Q_PROPERTY(QVariantList tileColors READ tileColors NOTIFY changed)
+    Q_PROPERTY(LoopView* loopView READ loopView CONSTANT)
+    Q_PROPERTY(SoundColorView* soundColorV READ soundColorV NOTIFY soundColorVChanged)
     Q_PROPERTY(QStringList folders READ folders NOTIFY pickerChanged)
     Q_PROPERTY(QStringList loops READ loops NOTIFY pickerChanged)
     Q_PROPERTY(int folderRow READ folderRow NOTIFY pickerChanged)
     Q_PROPERTY(int loopRow READ loopRow NOTIFY pickerChanged)
     Q_PROPERTY(bool previewing READ previewing NOTIFY previewingChanged)
-    Q_PROPERTY(int soundingTiles READ soundingTiles NOTIFY soundingTilesChanged)
 
 public:
     TrackLoopView(TrackLoop* trackloop, TrackLoopViewDelegate* delegate, QObject* parent = nullptr);
@@ -53,24 +56,32 @@ public:
     TrackLoop* trackloop() const { return trackloop_; }
     // After the editor switched to a user copy of the track: the row at the same place.
     void setTrackloop(TrackLoop* trackloop);
+    // Closed: the editor no longer hears from it.
+    void dropDelegate() { delegate_ = nullptr; }
 
     QString title() const;
     int colorNum() const { return colorNum_; }
     QColor color() const;
     QColor buttonColor() const;
-    // One colour per instrument of the loop; tiles whose sound has the row's
-    // colour number are shifted darker so they stay visible on it.
-    QVariantList tileColors() const;
+    // The loop's picture; tiles whose sound has the row's colour number are
+    // shifted darker so they stay visible on it, and shrink while the preview
+    // sounds them.
+    LoopView* loopView() const { return loopV_; }
+    // The open colour chooser, or none.
+    SoundColorView* soundColorV() const { return soundColorV_; }
     QStringList folders() const;
     QStringList loops() const;
     int folderRow() const { return folderRow_; }
     int loopRow() const { return loopRow_; }
     bool previewing() const { return loopplayer_ != nullptr; }
-    int soundingTiles() const { return soundingTiles_; }
 
     Q_INVOKABLE void selectFolder(int row);
     // A loop picked on the right wheel; an out-of-range row changes nothing.
     Q_INVOKABLE void selectLoop(int row);
+    // Opens the colour chooser at the row's colour; it closes itself after a pick.
+    Q_INVOKABLE SoundColorView* colorPressed();
+    // Closes the open colour chooser without a pick.
+    Q_INVOKABLE void removeSoundColorView();
     Q_INVOKABLE void colorPicked(int colorNum);
     Q_INVOKABLE void playPausePressed();
     Q_INVOKABLE void openLoopPressed();
@@ -92,12 +103,12 @@ signals:
     void changed();
     void pickerChanged();
     void previewingChanged();
-    void soundingTilesChanged();
+    void soundColorVChanged();
 
 private:
     void loadFolderItems();
     void positionPickerOnLoop();
-    void setSoundingTiles(int mask);
+    void refreshLoopPicture();
 
     TrackLoop* trackloop_;
     TrackLoopViewDelegate* delegate_;
@@ -107,5 +118,6 @@ private:
     int loopRow_ = 0;
     std::shared_ptr<Loopplayer> loopplayer_;
     std::unique_ptr<LoopplayerMainThreadDelegate> bridge_;
-    int soundingTiles_ = 0;
+    LoopView* loopV_;  // a child
+    QPointer<SoundColorView> soundColorV_;
 };

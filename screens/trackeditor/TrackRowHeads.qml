@@ -1,5 +1,7 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import Quillo.Kit
+import Quillo.LoopEditor
 import Quillo.TrackEditor
 
 // The column of row heads: each row's colour band with its volume, loop name
@@ -10,17 +12,19 @@ Item {
     id: heads
 
     required property OneTrackVC controller
-    readonly property rect frame: controller.leftViewFrame()
+    // Re-read on every edit, resize and slide.
+    readonly property int layout: heads.controller.revision + Framr.revision
+    readonly property rect frame: {
+        heads.layout
+        heads.controller.leftVOnscreen
+        return heads.controller.leftViewFrame()
+    }
 
     x: frame.x
     y: frame.y
     width: frame.width
     height: frame.height
     Behavior on x { NumberAnimation { duration: 300; easing.type: Easing.InOutQuad } }
-    Connections {
-        target: heads.controller
-        function onLeftVOnscreenChanged() { heads.x = heads.controller.leftViewFrame().x }
-    }
 
     Rectangle { anchors.fill: parent; color: "white" }
 
@@ -29,56 +33,57 @@ Item {
         delegate: Item {
             id: head
             required property int index
-            readonly property bool marked: heads.controller.revision < 0 ? false : heads.controller.rowsToDelete.indexOf(index) >= 0
-            readonly property rect bg: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.headFrame(index)
-            readonly property VolumeView volume: heads.controller.revision < 0 ? null : heads.controller.rowVolumeView(index)
+            readonly property bool marked: heads.layout < 0 ? false : heads.controller.isRowMarked(head.index)
+            readonly property rect bg: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.headFrame(index)
+            // One per place for as long as the screen lives, so never gone before this head.
+            readonly property VolumeView volume: heads.controller.rowVolumeView(head.index)
+            readonly property LoopView picture: heads.controller.rowLoopView(head.index)
             visible: !marked
 
             Rectangle {
                 objectName: "rowHead" + head.index
                 x: head.bg.x; y: head.bg.y; width: head.bg.width; height: head.bg.height
                 radius: 6
-                color: heads.controller.revision < 0 ? "transparent" : heads.controller.rowColor(head.index)
+                color: heads.layout < 0 ? "transparent" : heads.controller.rowColor(head.index)
                 Accessible.role: Accessible.Button
                 Accessible.name: title.text
                 TapHandler { onTapped: heads.controller.trackLoopPressed(head.index) }
             }
             KitLabel {
                 id: title
-                readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.titleFrame(head.index)
+                readonly property rect f: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.titleFrame(head.index)
                 x: f.x; y: f.y; width: f.width; height: f.height
-                text: heads.controller.revision < 0 ? "" : heads.controller.rowName(head.index)
+                text: heads.layout < 0 ? "" : heads.controller.rowName(head.index)
                 horizontalAlignment: Text.AlignLeft
                 font.pixelSize: Math.max(Uier.minTextPixelSize, height * 0.3)
-                wrapMode: Text.WordWrap
-                maximumLineCount: 2
             }
-            // The loop's picture: one tile per instrument in its sound's colour.
-            Grid {
-                readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.pictureFrame(head.index)
-                readonly property var tiles: heads.controller.revision < 0 ? [] : heads.controller.rowTileColors(head.index)
+            // The loop's picture, tiles of the row's colour shifted darker.
+            LoopViewItem {
+                objectName: "rowPicture" + head.index
+                readonly property rect f: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.pictureFrame(head.index)
+                loopView: head.picture
                 x: f.x; y: f.y; width: f.width; height: f.height
-                columns: 2
-                spacing: 1
-                Repeater {
-                    model: parent.tiles.length
-                    Rectangle {
-                        required property int index
-                        width: (parent.width - 1) / 2
-                        height: (parent.height - 3) / 4
-                        radius: 2
-                        color: parent.tiles[index]
-                    }
-                }
             }
-            Loader {
-                active: head.volume !== null && !heads.controller.deleting
+            // Placed here, so they follow the window's size.
+            Binding {
+                target: head.volume
+                property: "initialFrame"
+                value: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.volumeFrame(head.index)
+            }
+            Binding {
+                target: head.volume
+                property: "enlargedFrame"
+                value: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.volumeEnlargedFrame()
+            }
+            LAAdjustViewItem {
+                objectName: "rowVolume" + head.index
+                adjuster: head.volume
+                visible: !heads.controller.deleting
                 z: 1
-                sourceComponent: LAAdjustViewItem { adjuster: head.volume }
             }
             ImageButton {
                 objectName: "rowTrash" + head.index
-                readonly property rect f: heads.controller.trashFrame(head.index)
+                readonly property rect f: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.trashFrame(head.index)
                 visible: heads.controller.deleting
                 x: f.x; y: f.y; width: f.width; height: f.height
                 image: "cancelButton"
@@ -91,7 +96,7 @@ Item {
 
     ImageButton {
         objectName: "newRowButton"
-        readonly property rect f: heads.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.newRowFrame()
+        readonly property rect f: heads.layout < 0 ? Qt.rect(0, 0, 0, 0) : heads.controller.newRowFrame()
         visible: heads.controller.canAddRow && !heads.controller.deleting
         x: f.x; y: f.y; width: f.width; height: f.height
         image: "addButton"

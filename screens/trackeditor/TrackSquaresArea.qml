@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import Quillo.Kit
 import Quillo.TrackEditor
@@ -10,8 +11,13 @@ Flickable {
     id: area
 
     required property OneTrackVC controller
-    readonly property rect frame: controller.scrollViewFrame()
-    readonly property real side: controller.heiForTrackLoop
+    // Re-read on every edit, resize and slide.
+    readonly property int layout: area.controller.revision + Framr.revision
+    readonly property rect frame: {
+        area.layout
+        area.controller.leftVOnscreen
+        return area.controller.scrollViewFrame()
+    }
 
     x: frame.x
     y: frame.y
@@ -20,22 +26,25 @@ Flickable {
     clip: true
     flickableDirection: Flickable.HorizontalFlick
     boundsBehavior: Flickable.StopAtBounds
-    contentWidth: controller.revision < 0 ? 0 : controller.contentWidth()
+    contentWidth: area.layout < 0 ? 0 : area.controller.contentWidth()
     contentHeight: height
     Behavior on x { NumberAnimation { duration: 300; easing.type: Easing.InOutQuad } }
     Behavior on width { NumberAnimation { duration: 300; easing.type: Easing.InOutQuad } }
 
-    onWidthChanged: controller.visibleWidth = width
-    Component.onCompleted: controller.visibleWidth = width
-    onContentXChanged: if (!moving) return; else controller.scrollX = contentX
+    onWidthChanged: area.controller.visibleWidth = area.width
+    Component.onCompleted: area.controller.visibleWidth = area.width
+    onContentXChanged: if (area.moving) area.controller.scrollX = area.contentX
     Connections {
         target: area.controller
         function onScrollXChanged() { if (!area.moving) area.contentX = area.controller.scrollX }
-        function onLeftVOnscreenChanged() {
-            const f = area.controller.scrollViewFrame()
-            area.x = f.x
-            area.width = f.width
-        }
+    }
+
+    // Opaque, so the heads slid out underneath do not show through the squares.
+    Rectangle {
+        parent: area
+        anchors.fill: parent
+        z: -1
+        color: "white"
     }
 
     Item {
@@ -49,7 +58,7 @@ Flickable {
             model: area.controller.squaresnum
             Rectangle {
                 required property int index
-                readonly property rect f: area.controller.timescaleFrame(index)
+                readonly property rect f: area.layout < 0 ? Qt.rect(0, 0, 0, 0) : area.controller.timescaleFrame(index)
                 x: f.x; y: f.y; width: f.width; height: f.height
                 radius: 4
                 color: Colorer.backgColor
@@ -67,16 +76,16 @@ Flickable {
             Item {
                 id: line
                 required property int index
-                readonly property bool marked: area.controller.revision < 0 ? false : area.controller.rowsToDelete.indexOf(index) >= 0
+                readonly property bool marked: area.layout < 0 ? false : area.controller.isRowMarked(line.index)
                 visible: !marked
                 Repeater {
                     model: area.controller.squaresnum
                     Rectangle {
                         required property int index
-                        readonly property rect f: area.controller.squareFrame(line.index, index)
+                        readonly property rect f: area.layout < 0 ? Qt.rect(0, 0, 0, 0) : area.controller.squareFrame(line.index, index)
                         x: f.x; y: f.y; width: f.width; height: f.height
                         radius: 4
-                        color: area.controller.revision < 0 ? "transparent" : area.controller.squareColor(line.index, index)
+                        color: area.layout < 0 ? "transparent" : area.controller.squareColor(line.index, index)
                     }
                 }
             }
@@ -84,7 +93,7 @@ Flickable {
 
         ColorButton {
             objectName: "squaresNumButton"
-            readonly property rect f: area.controller.revision < 0 ? Qt.rect(0, 0, 0, 0) : area.controller.squaresNumFrame()
+            readonly property rect f: area.layout < 0 ? Qt.rect(0, 0, 0, 0) : area.controller.squaresNumFrame()
             x: f.x; y: f.y; width: f.width; height: f.height
             scale: area.controller.deleting ? 0 : 1
             text: "%1".arg(area.controller.squaresnum)

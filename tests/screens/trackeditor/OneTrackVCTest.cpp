@@ -1,8 +1,10 @@
 // The track editor's decisions on a real store and the offline engine: where
 // a tap lands, what one, two and three taps do, rows, length, volume, tempo,
 // and the user copy of a built-in track.
+#include "library/palette/Colorer.h"
 #include "library/patterns/Tacter.h"
 #include "playback/Trackloopplayer.h"
+#include "screens/kit/KitColorer.h"
 #include "tests/screens/trackeditor/TrackEditorHarness.h"
 
 namespace {
@@ -147,14 +149,14 @@ TEST_F(OneTrackVCTest, LengthVolumeAndTempoAreStoredTruncated) {
     OneTrackVC& c = open(track);
 
     c.trackSquaresPressed();
-    ASSERT_NE(c.sqNumView(), nullptr);
+    ASSERT_TRUE(c.squaresNumOpen());
     EXPECT_FALSE(c.isPlaying());
     c.sqNumView()->setValue(128.7);
     c.updateSquaresNum(c.sqNumView());
     EXPECT_EQ(c.track()->squaresnum(), 128);
     EXPECT_EQ(track->squaresnum(), 4);  // the built-in track keeps its length
     c.squaresNumViewPressed(c.sqNumView());
-    EXPECT_EQ(c.sqNumView(), nullptr);
+    EXPECT_FALSE(c.squaresNumOpen());
     EXPECT_EQ(c.contentWidth(), 130 * TrackFramr::heiForTrackLoop());
     EXPECT_FALSE(c.isPlaying());  // stays stopped until play
     c.pausePressed();
@@ -172,4 +174,52 @@ TEST_F(OneTrackVCTest, LengthVolumeAndTempoAreStoredTruncated) {
 
     c.updateBpm(140.9f);
     EXPECT_EQ(c.track()->bpm(), 140);
+}
+
+TEST_F(OneTrackVCTest, ARowsColourAndLoopShowOnItsPicturesAndThePreviewShrinksTiles) {
+    Track* builtIn = makeTrack(4, {0xFFFF, 0xFFFF});  // both rows: the one-hit loop, colour 20
+    OneTrackVC& c = open(builtIn);
+    c.trackLoopPressed(0);
+    TrackLoopView* row = c.trackloopView();
+    ASSERT_NE(row, nullptr);
+
+    // The chooser opens at the row's colour; a touch on the hit sound's own colour picks it.
+    SoundColorView* chooser = row->colorPressed();
+    ASSERT_NE(chooser, nullptr);
+    EXPECT_EQ(chooser->colorNumBefore(), 20);
+    const int hitColor = 1;
+    chooser->touchAt((hitColor % 9 + 0.5) * 390 / 9, (hitColor / 9 + 0.5) * 844 * 0.0625, 390, 844);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(row->soundColorV(), nullptr) << "the chooser closes after a pick";
+
+    Track* copy = c.track();
+    ASSERT_NE(copy, builtIn);
+    EXPECT_EQ(copy->trackloops()[0]->color(), hitColor);
+    EXPECT_EQ(builtIn->trackloops()[0]->color(), 20);
+    const QColor plain = KitColorer::colorForNumber(hitColor);
+    const QColor shifted = toQColor(*Colorer::changedColorForColor(Colorer::colorForNumber(hitColor), -0.03));
+    ASSERT_NE(plain, shifted);
+    ASSERT_EQ(row->loopView()->count(), 1);
+    EXPECT_EQ(row->loopView()->colors()[0], shifted) << "on a background of its own colour the tile darkens";
+    EXPECT_EQ(c.rowLoopView(0)->colors()[0], shifted);
+    EXPECT_EQ(c.rowLoopView(1)->colors()[0], plain);
+
+    // The preview shrinks the tile of the sounding sound, and lets it go when stopped.
+    row->playPausePressed();
+    ASSERT_TRUE(row->previewing());
+    bool shrank = false;  // the hit is short: look between small blocks
+    for (int block = 0; block < 64 && !shrank; ++block) {
+        render(128);
+        shrank = row->loopView()->sounding() == 1;
+    }
+    EXPECT_TRUE(shrank);
+    row->stopPreview();
+    EXPECT_EQ(row->loopView()->sounding(), 0);
+
+    // Another loop: the row's head shows its picture, the other head keeps its own.
+    row->updateTrackLoopWithLoop(easyBeat);
+    EXPECT_EQ(c.rowLoopView(0)->loop(), easyBeat);
+    EXPECT_EQ(row->loopView()->loop(), easyBeat);
+    EXPECT_EQ(c.rowLoopView(1)->loop(), hitLoop);
+    EXPECT_EQ(c.rowName(0), "Easy beat 95");
 }

@@ -40,6 +40,7 @@ protected:
     }
     void TearDown() override {
         vc.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // closed row views
         mainThread.runPending();
         PlayerHarness::TearDown();
     }
