@@ -13,7 +13,8 @@ void RoundPhoto::setSource(const QString& source) {
     if (source == m_source) return;
     m_source = source;
     const QUrl url(source);
-    m_image = QImage(url.isLocalFile() ? url.toLocalFile() : source);
+    const QString file = url.isLocalFile() ? url.toLocalFile() : source;
+    m_image = file.isEmpty() ? QImage() : QImage(file);  // no photo: nothing to read
     emit sourceChanged();
     update();
 }
