@@ -34,7 +34,7 @@ QString& videosFolderOverride() {
 }
 }  // namespace
 
-ExportVC::ExportVC(QObject* parent) : QObject(parent) {}
+ExportVC::ExportVC(QObject* parent) : QObject(parent), loopView_(new SoundingLoopView(this)) {}
 
 ExportVC::~ExportVC() {
     // Reports still on their way must not reach a half-destroyed screen.
@@ -81,6 +81,8 @@ void ExportVC::initWithContnt(const ExportContent& content) {
     video_ = content.kind == ExportKind::Track;
     toMail_ = content.kind != ExportKind::Track;
     if (content.kind == ExportKind::LoopFolder) qlog("LoopFolder");
+    loopView_->changeInstrumentsForNewLoop(content.kind == ExportKind::Loop ? content.loop : nullptr);
+    loopView_->refreshAllPhotos(includePhotos_);
     emit contentChanged();
     emit optionsChanged();
 }
@@ -177,6 +179,7 @@ void ExportVC::repeatsChanged(int index) {
 
 void ExportVC::attachPhotosChanged(int index) {
     includePhotos_ = index == 0;
+    if (content_.kind == ExportKind::Loop) loopView_->refreshAllPhotos(includePhotos_);
     emit optionsChanged();
 }
 
@@ -303,8 +306,8 @@ void ExportVC::animateTact(uint16_t) {
     setProgress(double(curTact_) / double(repeats_ * 128));
 }
 
-void ExportVC::animateStartPlaying(int slot) { emit instrumentPulse(slot, true); }
-void ExportVC::animateStopPlaying(int slot) { emit instrumentPulse(slot, false); }
+void ExportVC::animateStartPlaying(int slot) { loopView_->animateStartPlaying(slot); }
+void ExportVC::animateStopPlaying(int slot) { loopView_->animateStopPlaying(slot); }
 
 void ExportVC::animatePlayingTact(uint16_t) {
     ++curTact_;
@@ -324,6 +327,7 @@ void ExportVC::loopEndRepeating() {
 void ExportVC::endRecordAndTrim() {
     setPhase(Finishing);
     if (viewRecorder_) viewRecorder_->stop();
+    loopView_->stopAllSounding();
     if (AppDelegate* app = AppDelegate::shared()) app->endRecording();
     {
         auto trimmer = Autotrimmer::initForExport();
@@ -479,6 +483,7 @@ void ExportVC::cancelPressed() {
         viewRecorder_.reset();
     }
     audioAdder_.reset();
+    loopView_->stopAllSounding();
     if (composer_) composer_->deleteLater();
     composer_ = nullptr;
     Filer::removeTempRecordingsFile();

@@ -106,6 +106,14 @@ Rectangle {
                 accessibleName: qsTr("Buffer size")
                 onActivated: (index) => vc.bufferFrames = sizes[index]
             }
+            Text {
+                text: vc.audioNow
+                color: Colorer.mainColor
+                opacity: 0.8
+                font.pixelSize: 13
+                wrapMode: Text.Wrap
+                Layout.fillWidth: true
+            }
 
             Text {
                 visible: text !== ""

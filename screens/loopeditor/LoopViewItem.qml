@@ -1,5 +1,7 @@
 // A loop at a glance: its instruments' tiles laid out by the layout functions
 // for instrument i of n, each in its sound's colour, with the photo when shown.
+// Given which instruments sound (a SoundingLoopView's `sounding`), those
+// tiles shrink to the sounding size until their note stops.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -11,6 +13,7 @@ Item {
 
     required property LoopView loopView
     property color backgroundColor: "transparent"
+    property list<bool> sounding: []
 
     Accessible.role: Accessible.Graphic
     Accessible.name: root.loopView.loopName
@@ -33,6 +36,8 @@ Item {
             width: place.width
             height: place.height
             color: root.loopView.colors[index]
+            scale: root.sounding[index] ?? false ? 0.75 : 1.0  // the kit's sounding size
+            Behavior on scale { NumberAnimation { duration: 60 } }
 
             PhotoView {
                 readonly property rect spot: Framr.ffExportPhotoOnInstr(Qt.size(tile.width, tile.height))

@@ -114,7 +114,14 @@ TEST_F(ExportTest, LoopSavedAsSoundIsTrimmedToItsSoundAndNamedUniquely) {
     ExportVC& vc = screen("loop", "Beat");
     vc.repeatsChanged(3);    // 8 bars
     vc.saveOrSendChanged(0);  // make a sound
+    // The loop's grid (what a video films) pulses with every hit.
+    ASSERT_EQ(vc.loopView()->count(), 1);
+    int pulses = 0;
+    QObject::connect(vc.loopView(), &SoundingLoopView::soundingChanged,
+                     [&] { pulses += vc.loopView()->sounding().value(0) ? 1 : 0; });
     capture();
+    EXPECT_EQ(pulses, 16);
+    EXPECT_FALSE(vc.loopView()->sounding().contains(true)) << "at rest once the capture ended";
     // 8 bars x 16 steps, reported by every channel the player has.
     ASSERT_EQ(app->loopplayers().size(), 1u);
     int channels = 0;

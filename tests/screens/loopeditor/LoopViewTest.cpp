@@ -4,6 +4,7 @@
 
 #include "screens/kit/KitColorer.h"
 #include "screens/loopeditor/LoopView.h"
+#include "screens/loopeditor/SoundingLoopView.h"
 #include "tests/screens/loopeditor/LoopEditorFixture.h"
 
 namespace {
@@ -42,6 +43,26 @@ TEST_F(LoopViewTest, TilesFollowTheLoopTheirPhotosAndClashingColours) {
     view.changeInstrumentsForNewLoop(other);
     EXPECT_EQ(view.count(), 1);
     EXPECT_EQ(view.colors()[0], KitColorer::colorForNumber(40));
+}
+
+TEST_F(LoopViewTest, SoundingTilesFollowTheNoteReportsAndRestWithANewLoop) {
+    Loop* three = builtIn({{"S1", "1---", 100}, {"S2", "1---", 100}, {"S3", "1---", 100}});
+    SoundingLoopView view;
+    view.changeInstrumentsForNewLoop(three);
+    EXPECT_EQ(view.sounding(), (QList<bool>{false, false, false}));
+    view.animateStartPlaying(2);
+    view.animateStartPlaying(7);  // no tile there
+    view.animateStartPlaying(-1);
+    EXPECT_EQ(view.sounding(), (QList<bool>{false, false, true}));
+    view.animateStartPlaying(0);
+    view.animateStopPlaying(2);
+    EXPECT_EQ(view.sounding(), (QList<bool>{true, false, false}));
+
+    view.changeInstrumentsForNewLoop(builtIn({{"S1", "1---", 100}}));
+    EXPECT_EQ(view.sounding(), (QList<bool>{false}));
+    view.animateStartPlaying(0);
+    view.stopAllSounding();
+    EXPECT_EQ(view.sounding(), (QList<bool>{false}));
 }
 
 }  // namespace
