@@ -36,6 +36,7 @@ Item {
             width: place.width
             height: place.height
             color: root.loopView.colors[index]
+            radius: Math.min(width, height) * 0.12  // as the loop editor's tiles
             scale: root.sounding[index] ?? false ? 0.75 : 1.0  // the kit's sounding size
             Behavior on scale { NumberAnimation { duration: 60 } }
 
