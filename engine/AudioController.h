@@ -52,7 +52,7 @@ struct AudioControllerOptions {
     // down and rebuilding it (the device needs it; tests set 0).
     std::chrono::milliseconds rebuildDelay{500};
     // The devices and buffer size the device driver opens (the settings').
-    AudioDeviceChoice devices;
+    AudioDeviceChoice devices{};
 };
 
 using AudioControllerMainThreadMessageHandler = void (*)(AudioController*, void* userInfo, int32_t userInfoLength);
