@@ -73,6 +73,11 @@ void ExportVC::lookUpContent() {
 
 void ExportVC::initWithContnt(const ExportContent& content) {
     content_ = content;
+    // Given the item itself (the command line), the view still learns its kind.
+    if (content.kind != ExportKind::None) {
+        kind_ = content.kindName();
+        name_ = QString::fromStdString(content.name());
+    }
     includePhotos_ = true;
     repeats_ = 1;
     format_ = 0;
@@ -122,22 +127,12 @@ bool ExportVC::offersExport() const {
     return false;
 }
 
-QVariantList ExportVC::instruments() const {
-    QVariantList list;
-    auto add = [&list](Loop* loop) {
-        if (!loop) return;
-        for (Instrument* i : loop->instruments()) {
-            Sound* s = i ? i->sound() : nullptr;
-            const std::string photo = s && Filer::jpgFileExistsForSound(s) ? Filer::pathToJpgFileForSound(s) : std::string();
-            list << QVariantMap{{"name", s ? QString::fromStdString(s->name()) : QString()},
-                                {"colorNumber", s ? s->color() : 0},
-                                {"photo", photo.empty() ? QString() : QUrl::fromLocalFile(QString::fromStdString(photo)).toString()}};
-        }
-    };
-    if (content_.kind == ExportKind::Loop) add(content_.loop);
+QVariantList ExportVC::trackColors() const {
+    QVariantList colors;
     if (content_.kind == ExportKind::Track)
-        for (TrackLoop* row : content_.track->trackloops()) add(row ? row->loop() : nullptr);
-    return list;
+        for (TrackLoop* row : content_.track->trackloops())
+            if (row) colors << int(row->color());
+    return colors;
 }
 
 int ExportVC::mainColorNumber() const {

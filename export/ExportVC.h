@@ -46,8 +46,8 @@ class ExportVC : public QObject,
     Q_PROPERTY(QString fileIcon READ fileIcon NOTIFY contentChanged)
     Q_PROPERTY(QString sizeText READ sizeText NOTIFY contentChanged)
     Q_PROPERTY(bool offersExport READ offersExport NOTIFY contentChanged)
-    // A track's instruments (colours), for its still picture.
-    Q_PROPERTY(QVariantList instruments READ instruments NOTIFY contentChanged)
+    // A track's rows, by colour number, for its still picture.
+    Q_PROPERTY(QVariantList trackColors READ trackColors NOTIFY contentChanged)
     // A loop's grid, pulsing with the loop while it is captured: what a loop video films.
     Q_PROPERTY(SoundingLoopView* loopView READ loopView CONSTANT)
     Q_PROPERTY(int mainColorNumber READ mainColorNumber NOTIFY contentChanged)
@@ -94,7 +94,7 @@ public:
     QString fileIcon() const;
     QString sizeText() const;
     bool offersExport() const;
-    QVariantList instruments() const;
+    QVariantList trackColors() const;
     int mainColorNumber() const;
 
     bool includePhotos() const { return includePhotos_; }

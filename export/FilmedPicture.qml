@@ -1,6 +1,6 @@
 // The picture an export films: a loop's grid (the loop view, its tiles
 // pulsing while their sounds sound), or a track's still picture, its rows'
-// loop colours with the logo. The export controller films it and snapshots it.
+// colours with the logo. The export controller films it and snapshots it.
 pragma ComponentBehavior: Bound
 import QtQuick
 import Quillo.Kit
@@ -23,17 +23,17 @@ Rectangle {
         sounding: picture.controller.loopView.sounding
     }
 
-    // Track: a band per instrument colour, the logo on top.
+    // Track: a band per row in the row's colour, the logo on top.
     Column {
         visible: picture.isTrack
         anchors.fill: parent
         Repeater {
-            model: picture.isTrack ? picture.controller.instruments : []
+            model: picture.isTrack ? picture.controller.trackColors : []
             delegate: Rectangle {
                 required property var modelData
                 width: picture.width
-                height: picture.height / Math.max(1, picture.controller.instruments.length)
-                color: Colorer.colorForNumber(modelData.colorNumber)
+                height: picture.height / Math.max(1, picture.controller.trackColors.length)
+                color: Colorer.colorForNumber(modelData)
             }
         }
     }

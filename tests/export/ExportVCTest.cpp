@@ -95,6 +95,12 @@ TEST_F(ExportTest, LoopAndTrackSettingsFollowTheirRules) {
     EXPECT_TRUE(t.saveOrSendVisible() && !t.repeatsVisible());
     t.audioVideoChanged(0);
     EXPECT_FALSE(t.saveOrSendVisible());
+    // Given the item itself, as the command line does, the filmed picture
+    // still learns it shows a track and its rows.
+    ExportVC given;
+    given.initWithContnt(t.content());
+    EXPECT_EQ(given.kind(), "track");
+    EXPECT_EQ(given.trackColors().size(), 1);
 
     LogCapture log;
     capture();  // two squares of a one-hit loop at 120 bpm
