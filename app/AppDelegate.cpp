@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/AudioSettings.h"
 #include "app/LibraryLocation.h"
 #include "engine/AudioFileLoaderOperation.h"
 #include "engine/AudioFilePlayer.h"
@@ -99,12 +100,20 @@ void AppDelegate::addAudioControlla() {
     AudioControllerOptions options;
     options.driver = options_.driver;
     options.mainThread = options_.mainThread;
+    if (settings_) options.devices = audiosettings::load(*settings_);
     controller_ = std::make_unique<AudioController>(AudioController::nonInterleaved16BitStereoAudioDescription(),
                                                     false, options);
     playback_.audioController = controller_.get();
     Filer::setAudioController(controller_.get());
     AudioError error;
     if (!controller_->start(&error)) qlog("%s", error.localizedDescription.c_str());
+}
+
+void AppDelegate::applyAudioSettings() {
+    if (!controller_ || !settings_) return;
+    const AudioDeviceChoice choice = audiosettings::load(*settings_);
+    if (choice == controller_->devices()) return;
+    controller_->switchDevices(choice);
 }
 
 bool AppDelegate::baseIsEmpty() {

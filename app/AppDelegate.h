@@ -52,6 +52,9 @@ public:
     void loadState();
     void saveState();
     void addAudioControlla();
+    // Reopens the audio device when the settings chose other devices or
+    // another buffer size; what plays goes on playing.
+    void applyAudioSettings();
     bool baseIsEmpty();
 
     // Opened on first use; a library that cannot be opened ends the process

@@ -130,6 +130,15 @@ void AudioController::setUp() {
         else if (choice == "offline") kind = AudioDriverKind::Offline;
         else kind = AudioDriverKind::PortAudio;
     }
+    driverKind_ = kind;
+    devices_ = options_.devices;
+    makeDriver(kind);
+    allocateRenderBuffers();
+    logCategory();
+    qlog("Engine: Engine setup");
+}
+
+void AudioController::makeDriver(AudioDriverKind kind) {
     switch (kind) {
         case AudioDriverKind::Offline: driver_ = makeOfflineAudioDriver(); break;
         case AudioDriverKind::Null: driver_ = makeNullAudioDriver(); break;
@@ -137,9 +146,6 @@ void AudioController::setUp() {
     }
     offline_ = !driver_->rendersOnItsOwnThread();
     driverName_ = driver_->name();
-    allocateRenderBuffers();
-    logCategory();
-    qlog("Engine: Engine setup");
 }
 
 void AudioController::tearDown() {
@@ -181,9 +187,21 @@ bool AudioController::startDriver(AudioError* error) {
     config.format = description_;
     config.inputEnabled = inputEnabled_;
     config.outputEnabled = outputEnabled_;
-    config.framesPerBuffer = 256;
+    config.framesPerBuffer = std::clamp(devices_.framesPerBuffer, AudioDeviceChoice::kMinFrames,
+                                        AudioDeviceChoice::kMaxFrames);
+    config.outputDevice = devices_.outputDevice;
+    config.inputDevice = devices_.inputDevice;
     AudioError driverError;
-    if (!driver_->start(config, this, &driverError)) {
+    bool started = driver_->start(config, this, &driverError);
+    if (!started && (!config.outputDevice.empty() || !config.inputDevice.empty())) {
+        // The chosen device is there but would not open: the default one may.
+        qlog("Engine: The chosen audio device would not open (%s); trying the default device",
+             driverError.localizedDescription.c_str());
+        config.outputDevice.clear();
+        config.inputDevice.clear();
+        started = driver_->start(config, this, &driverError);
+    }
+    if (!started) {
         const bool mayFallBack = options_.driver == AudioDriverKind::Automatic && std::string(driver_->name()) != "Null";
         if (!mayFallBack) {
             if (error) *error = driverError;
@@ -205,7 +223,8 @@ bool AudioController::startDriver(AudioError* error) {
     inputRunning_.store(driver_->inputRunning());
     qlog("Engine: Hardware sample rate is %f", description_.mSampleRate);
     qlog("Engine: Buffer duration %0.2g, %d frames (requested %0.2gs, %d frames)", duration,
-         int(std::lround(duration * description_.mSampleRate)), 256.0 / description_.mSampleRate, 256);
+         int(std::lround(duration * description_.mSampleRate)), config.framesPerBuffer / description_.mSampleRate,
+         int(config.framesPerBuffer));
     return true;
 }
 
@@ -276,6 +295,32 @@ bool AudioController::updateWithAudioDescription(const AudioStreamDescription& d
         }
     }
     return true;
+}
+
+bool AudioController::switchDevices(const AudioDeviceChoice& devices) {
+    std::lock_guard<std::recursive_mutex> lock(lifecycleMutex_);
+    qlog("Engine: Switching to output \"%s\", input \"%s\", %u frames",
+         devices.outputDevice.empty() ? "default" : devices.outputDevice.c_str(),
+         devices.inputDevice.empty() ? "default" : devices.inputDevice.c_str(), devices.framesPerBuffer);
+    devices_ = devices;
+    const bool wasRunning = running();
+    if (wasRunning) stop();
+    // An engine that fell back to the null device tries the sound card again:
+    // the newly chosen device may be the one that is there.
+    if (driverKind_ == AudioDriverKind::PortAudio && std::string(driver_->name()) != "PortAudio")
+        makeDriver(AudioDriverKind::PortAudio);
+    if (!wasRunning) return true;
+    AudioError error;
+    if (!start(&error)) {
+        qlog("Enigne: error restarting controller");
+        return false;
+    }
+    return true;
+}
+
+AudioDeviceChoice AudioController::devices() const {
+    std::lock_guard<std::recursive_mutex> lock(lifecycleMutex_);
+    return devices_;
 }
 
 AudioStreamDescription AudioController::audioDescription() const {

@@ -28,6 +28,7 @@
 #include <vector>
 
 #include "engine/AudioChannel.h"
+#include "engine/AudioDevices.h"
 #include "engine/AudioDriver.h"
 #include "engine/AudioTypes.h"
 #include "engine/CircularBuffer.h"
@@ -50,6 +51,8 @@ struct AudioControllerOptions {
     // updateWithAudioDescription waits this long between tearing the driver
     // down and rebuilding it (the device needs it; tests set 0).
     std::chrono::milliseconds rebuildDelay{500};
+    // The devices and buffer size the device driver opens (the settings').
+    AudioDeviceChoice devices{};
 };
 
 using AudioControllerMainThreadMessageHandler = void (*)(AudioController*, void* userInfo, int32_t userInfoLength);
@@ -90,11 +93,17 @@ public:
     bool updateWithAudioDescription(const AudioStreamDescription& description, bool inputEnabled,
                                     bool useVoiceProcessing, bool outputEnabled);
     AudioStreamDescription audioDescription() const;
+    // Reopens the device with other devices or another buffer size. Channels,
+    // groups and receivers stay, so what plays goes on playing after a short
+    // gap; a stopped engine only keeps the choice for its next start.
+    // Main thread.
+    bool switchDevices(const AudioDeviceChoice& devices);
+    AudioDeviceChoice devices() const;
     bool inputEnabled() const { return inputEnabled_.load(std::memory_order_acquire); }
     bool outputEnabled() const { return outputEnabled_.load(std::memory_order_acquire); }
     // Whether the running driver delivers microphone input.
     bool audioInputAvailable() const;
-    // Seconds per render callback (256 frames at 44100 Hz), 0 when unknown.
+    // Seconds per render callback (the buffer size over the rate), 0 when unknown.
     double preferredBufferDuration() const;
     // "PortAudio", "Null" or "Offline".
     const char* driverName() const;
@@ -183,6 +192,7 @@ public:
 private:
 
     void setUp();
+    void makeDriver(AudioDriverKind kind);
     void tearDown();
     bool startDriver(AudioError* error);
     void stopDriver();
@@ -225,6 +235,8 @@ private:
     std::unique_ptr<RunLoopMainThread> ownMainThread_;
     MainThread* mainThread_ = nullptr;
     std::unique_ptr<AudioDriver> driver_;
+    AudioDriverKind driverKind_ = AudioDriverKind::Null;  // what setUp chose, before any fallback
+    AudioDeviceChoice devices_;                           // under lifecycleMutex_
     uint32_t offlinePassFrames_ = 256;
     std::atomic<bool> running_{false};
     std::atomic<bool> offline_{false};

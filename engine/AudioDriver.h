@@ -3,10 +3,12 @@
 // render pass (AudioRenderer::renderPass), so what the offline driver renders
 // is sample for sample what a device would play.
 //
-//   PortAudio  one full-duplex stream on the default devices (input only
-//              while enabled), 256-frame buffers, the stream's own thread.
+//   PortAudio  one full-duplex stream on the chosen devices (the default
+//              ones when none is chosen or the chosen one is gone; input
+//              only while enabled), the chosen buffer size, the stream's
+//              own thread.
 //   Null       a thread that runs the render pass in real time from the
-//              steady clock, one 256-frame block per period; used when no
+//              steady clock, one buffer-sized block per period; used when no
 //              device can be opened or when QUILLO_AUDIO=null.
 //   Offline    no thread: AudioController::renderOffline renders on the
 //              calling thread as fast as possible (tests, benchmarks, files).
@@ -30,6 +32,9 @@ struct AudioDriverConfig {
     bool inputEnabled = false;
     bool outputEnabled = true;
     uint32_t framesPerBuffer = 256;
+    // Device names; empty: the system's default device.
+    std::string outputDevice;
+    std::string inputDevice;
 };
 
 class AudioDriver {

@@ -1,4 +1,5 @@
-// The device driver: one full-duplex PortAudio stream on the default devices.
+// The device driver: one full-duplex PortAudio stream on the chosen devices,
+// and the list of devices to choose from.
 #include <alsa/asoundlib.h>
 #include <jack/jack.h>
 #include <portaudio.h>
@@ -6,6 +7,7 @@
 #include <cstring>
 #include <mutex>
 
+#include "engine/AudioDevices.h"
 #include "engine/AudioDriver.h"
 #include "library/util/Log.h"
 
@@ -23,6 +25,21 @@ void silenceAudioLibraries() {
         jack_set_error_function(silentJack);
         jack_set_info_function(silentJack);
     });
+}
+
+// The device of that name that can play (or record), else the default one.
+// A saved device that is gone is said once per start, so the log tells why
+// the sound comes out somewhere else.
+PaDeviceIndex deviceNamed(const std::string& name, bool input) {
+    const PaDeviceIndex fallback = input ? Pa_GetDefaultInputDevice() : Pa_GetDefaultOutputDevice();
+    if (name.empty()) return fallback;
+    for (PaDeviceIndex i = 0; i < Pa_GetDeviceCount(); ++i) {
+        const PaDeviceInfo* info = Pa_GetDeviceInfo(i);
+        if (info && name == info->name && (input ? info->maxInputChannels : info->maxOutputChannels) > 0) return i;
+    }
+    qlog("Engine: %s device \"%s\" is missing; using the default %s device", input ? "Input" : "Output",
+         name.c_str(), input ? "input" : "output");
+    return fallback;
 }
 
 class PortAudioDriver : public AudioDriver {
@@ -47,7 +64,9 @@ public:
         PaStreamParameters out{}, in{};
         PaStreamParameters* outP = nullptr;
         PaStreamParameters* inP = nullptr;
-        out.device = Pa_GetDefaultOutputDevice();
+        // Both names are looked up first, so the log names every missing device.
+        out.device = deviceNamed(config.outputDevice, false);
+        const PaDeviceIndex inputDevice = config.inputEnabled ? deviceNamed(config.inputDevice, true) : paNoDevice;
         if (out.device == paNoDevice) return fail(paDeviceUnavailable, error);
         out.channelCount = channels;
         out.sampleFormat = sampleFormat;
@@ -56,7 +75,7 @@ public:
 
         inputChannels_ = 0;
         if (config.inputEnabled) {
-            in.device = Pa_GetDefaultInputDevice();
+            in.device = inputDevice;
             const PaDeviceInfo* info = in.device == paNoDevice ? nullptr : Pa_GetDeviceInfo(in.device);
             if (info && info->maxInputChannels > 0) {
                 inputChannels_ = std::min(channels, info->maxInputChannels);
@@ -188,3 +207,18 @@ private:
 }  // namespace
 
 std::unique_ptr<AudioDriver> makePortAudioDriver() { return std::make_unique<PortAudioDriver>(); }
+
+AudioDeviceNames listAudioDevices() {
+    AudioDeviceNames names;
+    silenceAudioLibraries();
+    // Initialising again while a stream runs only counts up; the stream stays.
+    if (Pa_Initialize() != paNoError) return names;
+    for (PaDeviceIndex i = 0; i < Pa_GetDeviceCount(); ++i) {
+        const PaDeviceInfo* info = Pa_GetDeviceInfo(i);
+        if (!info || !info->name) continue;
+        if (info->maxOutputChannels > 0) names.outputs.emplace_back(info->name);
+        if (info->maxInputChannels > 0) names.inputs.emplace_back(info->name);
+    }
+    Pa_Terminate();
+    return names;
+}

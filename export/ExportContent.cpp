@@ -79,6 +79,18 @@ ExportContent ExportContent::find(const QString& kind, const QString& name) {
     return c;
 }
 
+QString ExportContent::kindName() const {
+    switch (kind) {
+    case ExportKind::Sound: return QStringLiteral("sound");
+    case ExportKind::SoundFolder: return QStringLiteral("soundFolder");
+    case ExportKind::Loop: return QStringLiteral("loop");
+    case ExportKind::LoopFolder: return QStringLiteral("loopFolder");
+    case ExportKind::Track: return QStringLiteral("track");
+    case ExportKind::None: break;
+    }
+    return {};
+}
+
 std::string ExportContent::name() const {
     switch (kind) {
     case ExportKind::Sound: return sound->name();

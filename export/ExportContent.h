@@ -27,6 +27,8 @@ struct ExportContent {
     // "track") and the item's name; kind None when there is no such item.
     static ExportContent find(const QString& kind, const QString& name);
     std::string name() const;
+    // The screen's kind name ("sound", "soundFolder", ...); empty for None.
+    QString kindName() const;
     bool rendered() const { return kind == ExportKind::Loop || kind == ExportKind::Track; }
     // The sounds a folder holds (none for other kinds).
     std::vector<Sound*> folderSounds() const;

@@ -34,7 +34,7 @@ QString& videosFolderOverride() {
 }
 }  // namespace
 
-ExportVC::ExportVC(QObject* parent) : QObject(parent) {}
+ExportVC::ExportVC(QObject* parent) : QObject(parent), loopView_(new LoopView(this)) {}
 
 ExportVC::~ExportVC() {
     // Reports still on their way must not reach a half-destroyed screen.
@@ -73,6 +73,11 @@ void ExportVC::lookUpContent() {
 
 void ExportVC::initWithContnt(const ExportContent& content) {
     content_ = content;
+    // Given the item itself (the command line), the view still learns its kind.
+    if (content.kind != ExportKind::None) {
+        kind_ = content.kindName();
+        name_ = QString::fromStdString(content.name());
+    }
     includePhotos_ = true;
     repeats_ = 1;
     format_ = 0;
@@ -81,6 +86,8 @@ void ExportVC::initWithContnt(const ExportContent& content) {
     video_ = content.kind == ExportKind::Track;
     toMail_ = content.kind != ExportKind::Track;
     if (content.kind == ExportKind::LoopFolder) qlog("LoopFolder");
+    loopView_->changeInstrumentsForNewLoop(content.kind == ExportKind::Loop ? content.loop : nullptr);
+    loopView_->refreshAllPhotos(includePhotos_);
     emit contentChanged();
     emit optionsChanged();
 }
@@ -120,22 +127,12 @@ bool ExportVC::offersExport() const {
     return false;
 }
 
-QVariantList ExportVC::instruments() const {
-    QVariantList list;
-    auto add = [&list](Loop* loop) {
-        if (!loop) return;
-        for (Instrument* i : loop->instruments()) {
-            Sound* s = i ? i->sound() : nullptr;
-            const std::string photo = s && Filer::jpgFileExistsForSound(s) ? Filer::pathToJpgFileForSound(s) : std::string();
-            list << QVariantMap{{"name", s ? QString::fromStdString(s->name()) : QString()},
-                                {"colorNumber", s ? s->color() : 0},
-                                {"photo", photo.empty() ? QString() : QUrl::fromLocalFile(QString::fromStdString(photo)).toString()}};
-        }
-    };
-    if (content_.kind == ExportKind::Loop) add(content_.loop);
+QVariantList ExportVC::trackColors() const {
+    QVariantList colors;
     if (content_.kind == ExportKind::Track)
-        for (TrackLoop* row : content_.track->trackloops()) add(row ? row->loop() : nullptr);
-    return list;
+        for (TrackLoop* row : content_.track->trackloops())
+            if (row) colors << int(row->color());
+    return colors;
 }
 
 int ExportVC::mainColorNumber() const {
@@ -177,6 +174,7 @@ void ExportVC::repeatsChanged(int index) {
 
 void ExportVC::attachPhotosChanged(int index) {
     includePhotos_ = index == 0;
+    if (content_.kind == ExportKind::Loop) loopView_->refreshAllPhotos(includePhotos_);
     emit optionsChanged();
 }
 
@@ -303,8 +301,8 @@ void ExportVC::animateTact(uint16_t) {
     setProgress(double(curTact_) / double(repeats_ * 128));
 }
 
-void ExportVC::animateStartPlaying(int slot) { emit instrumentPulse(slot, true); }
-void ExportVC::animateStopPlaying(int slot) { emit instrumentPulse(slot, false); }
+void ExportVC::animateStartPlaying(int slot) { loopView_->setTileSounding(slot, true); }
+void ExportVC::animateStopPlaying(int slot) { loopView_->setTileSounding(slot, false); }
 
 void ExportVC::animatePlayingTact(uint16_t) {
     ++curTact_;
@@ -324,6 +322,7 @@ void ExportVC::loopEndRepeating() {
 void ExportVC::endRecordAndTrim() {
     setPhase(Finishing);
     if (viewRecorder_) viewRecorder_->stop();
+    loopView_->stopAllSounding();
     if (AppDelegate* app = AppDelegate::shared()) app->endRecording();
     {
         auto trimmer = Autotrimmer::initForExport();
@@ -479,6 +478,7 @@ void ExportVC::cancelPressed() {
         viewRecorder_.reset();
     }
     audioAdder_.reset();
+    loopView_->stopAllSounding();
     if (composer_) composer_->deleteLater();
     composer_ = nullptr;
     Filer::removeTempRecordingsFile();

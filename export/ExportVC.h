@@ -22,6 +22,7 @@
 #include "export/movie/AudioToVideoAdder.h"
 #include "export/movie/ViewRecorderAssetWriter.h"
 #include "playback/PlayerDelegates.h"
+#include "screens/loopeditor/LoopView.h"
 
 class AppDelegate;
 class Autotrimmer;
@@ -45,7 +46,10 @@ class ExportVC : public QObject,
     Q_PROPERTY(QString fileIcon READ fileIcon NOTIFY contentChanged)
     Q_PROPERTY(QString sizeText READ sizeText NOTIFY contentChanged)
     Q_PROPERTY(bool offersExport READ offersExport NOTIFY contentChanged)
-    Q_PROPERTY(QVariantList instruments READ instruments NOTIFY contentChanged)
+    // A track's rows, by colour number, for its still picture.
+    Q_PROPERTY(QVariantList trackColors READ trackColors NOTIFY contentChanged)
+    // A loop's grid, pulsing with the loop while it is captured: what a loop video films.
+    Q_PROPERTY(LoopView* loopView READ loopView CONSTANT)
     Q_PROPERTY(int mainColorNumber READ mainColorNumber NOTIFY contentChanged)
 
     Q_PROPERTY(bool includePhotos READ includePhotos NOTIFY optionsChanged)
@@ -90,7 +94,7 @@ public:
     QString fileIcon() const;
     QString sizeText() const;
     bool offersExport() const;
-    QVariantList instruments() const;
+    QVariantList trackColors() const;
     int mainColorNumber() const;
 
     bool includePhotos() const { return includePhotos_; }
@@ -122,6 +126,7 @@ public:
     QString resultText() const { return resultText_; }
     MailComposer* composer() const { return composer_; }
     QQuickItem* filmedItem() const { return filmedItem_; }
+    LoopView* loopView() const { return loopView_; }
     void setFilmedItem(QQuickItem* item);
     int curTact() const { return curTact_; }
 
@@ -159,8 +164,6 @@ signals:
     void stateChanged();
     void progressChanged();
     void filmedItemChanged();
-    // An instrument of the filmed grid starts or stops sounding.
-    void instrumentPulse(int slot, bool playing);
     // The screen is done; its owner takes it away.
     void removeExportVC();
     void resultShown(const QString& text);
@@ -199,6 +202,7 @@ private:
     QString resultText_;
     QImage renderedImg_;
     QPointer<QQuickItem> filmedItem_;
+    LoopView* loopView_;  // child
     QPointer<MailComposer> composer_;
     std::shared_ptr<Loopplayer> loopplayer_;
     std::shared_ptr<Trackplayer> trackplayer_;

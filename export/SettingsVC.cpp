@@ -1,11 +1,12 @@
 #include "export/SettingsVC.h"
 
-#include <portaudio.h>
-
 #include <QPointer>
 #include <QSettings>
+#include <cmath>
 
 #include "app/AppDelegate.h"
+#include "app/AudioSettings.h"
+#include "engine/AudioDevices.h"
 #include "export/mail/Keyring.h"
 #include "export/mail/MailAccount.h"
 #include "library/text/Localized.h"
@@ -28,24 +29,39 @@ void SettingsVC::load() {
     mailSecurity = a.security == MailAccount::Security::Tls ? 0 : a.security == MailAccount::Security::None ? 2 : 1;
     mailUser = a.userName;
     mailFrom = a.fromAddress;
-    outputDevice = settings_->value("audio/outputDevice", kDefaultDevice).toString();
-    inputDevice = settings_->value("audio/inputDevice", kDefaultDevice).toString();
-    bufferFrames = settings_->value("audio/bufferFrames", 256).toInt();
+    const AudioDeviceChoice audio = audiosettings::load(*settings_);
+    outputDevice = audiosettings::deviceLabel(audio.outputDevice);
+    inputDevice = audiosettings::deviceLabel(audio.inputDevice);
+    bufferFrames = int(audio.framesPerBuffer);
 }
 
 void SettingsVC::listDevices() {
     outputDevices_ = inputDevices_ = QStringList{kDefaultDevice};
-    // Without a sound card in use (the silent or offline engine) there is nothing to choose.
+    // Without a sound card in use (the silent or offline engine) there is nothing to probe.
     const QByteArray audio = qgetenv("QUILLO_AUDIO");
-    if (audio == "null" || audio == "offline") return;
-    if (Pa_Initialize() != paNoError) return;
-    for (PaDeviceIndex i = 0; i < Pa_GetDeviceCount(); ++i) {
-        const PaDeviceInfo* info = Pa_GetDeviceInfo(i);
-        if (!info) continue;
-        if (info->maxOutputChannels > 0) outputDevices_ << QString::fromUtf8(info->name);
-        if (info->maxInputChannels > 0) inputDevices_ << QString::fromUtf8(info->name);
+    if (audio != "null" && audio != "offline") {
+        const AudioDeviceNames names = listAudioDevices();
+        for (const std::string& name : names.outputs) outputDevices_ << QString::fromStdString(name);
+        for (const std::string& name : names.inputs) inputDevices_ << QString::fromStdString(name);
     }
-    Pa_Terminate();
+    // A saved device that is not plugged in stays choosable: the engine
+    // uses the default one meanwhile.
+    if (!outputDevices_.contains(outputDevice)) outputDevices_ << outputDevice;
+    if (!inputDevices_.contains(inputDevice)) inputDevices_ << inputDevice;
+}
+
+QString SettingsVC::audioNow() const {
+    AppDelegate* app = AppDelegate::shared();
+    const AudioController* engine = app ? app->audioController() : nullptr;
+    if (!engine || !engine->running()) return tr("Sound is off");
+    const double seconds = engine->preferredBufferDuration();
+    const QString buffer = tr("%1 frames, %2 ms")
+                               .arg(std::lround(seconds * engine->audioDescription().mSampleRate))
+                               .arg(seconds * 1000.0, 0, 'f', 1);
+    const QString driver = QString::fromUtf8(engine->driverName());
+    if (driver == "PortAudio") return tr("Playing through the sound card (%1)").arg(buffer);
+    if (driver == "Null") return tr("No sound card: playing silently (%1)").arg(buffer);
+    return tr("Rendering offline");
 }
 
 bool SettingsVC::save() {
@@ -61,7 +77,8 @@ bool SettingsVC::save() {
     if (!account.server.isEmpty() && !account.securityAllowed())
         problem_ = tr("Without TLS or STARTTLS mail only goes to a server on this machine");
     else if (account.port < 1 || account.port > 65535) problem_ = tr("The port is a number from 1 to 65535");
-    else if (bufferFrames < 32 || bufferFrames > 8192) problem_ = tr("The buffer is 32 to 8192 frames");
+    else if (bufferFrames < int(AudioDeviceChoice::kMinFrames) || bufferFrames > int(AudioDeviceChoice::kMaxFrames))
+        problem_ = tr("The buffer is 32 to 4096 frames");
     if (!problem_.isEmpty()) {
         emit changed();
         return false;
@@ -74,11 +91,12 @@ bool SettingsVC::save() {
     }
     if (settings_) {
         account.save(*settings_);
-        settings_->setValue("audio/outputDevice", outputDevice);
-        settings_->setValue("audio/inputDevice", inputDevice);
-        settings_->setValue("audio/bufferFrames", bufferFrames);
+        audiosettings::save(*settings_, {audiosettings::deviceName(outputDevice), audiosettings::deviceName(inputDevice),
+                                         uint32_t(bufferFrames)});
         settings_->sync();
     }
+    // The engine reopens the device at once; a loop that plays goes on.
+    if (AppDelegate* app = AppDelegate::shared(); app && settings_ == app->settings()) app->applyAudioSettings();
     status_ = tr("Saved");
     if (!mailPassword.isEmpty()) {
         QPointer<SettingsVC> self(this);

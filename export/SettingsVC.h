@@ -28,6 +28,8 @@ class SettingsVC : public QObject {
     Q_PROPERTY(int bufferFrames MEMBER bufferFrames NOTIFY changed)
     Q_PROPERTY(int indexOfOutputDevice READ indexOfOutputDevice NOTIFY changed)
     Q_PROPERTY(int indexOfInputDevice READ indexOfInputDevice NOTIFY changed)
+    // What the engine plays through now, and with which buffer.
+    Q_PROPERTY(QString audioNow READ audioNow NOTIFY changed)
     Q_PROPERTY(QString problem READ problem NOTIFY changed)
     Q_PROPERTY(QString status READ status NOTIFY changed)
 
@@ -45,6 +47,7 @@ public:
     QStringList inputDevices() const { return inputDevices_; }
     int indexOfOutputDevice() const { return std::max<int>(0, int(outputDevices_.indexOf(outputDevice))); }
     int indexOfInputDevice() const { return std::max<int>(0, int(inputDevices_.indexOf(inputDevice))); }
+    QString audioNow() const;
     QString problem() const { return problem_; }
     QString status() const { return status_; }
 

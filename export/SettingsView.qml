@@ -41,7 +41,34 @@ Rectangle {
         background: Rectangle { radius: 8; color: "transparent"; border.color: Colorer.mainColor; border.width: parent.activeFocus ? 2 : 1 }
     }
     component Choice: ComboBox {
+        id: choice
         Layout.fillWidth: true
+        implicitHeight: 40
+        font.pixelSize: 16
+        contentItem: Text {
+            leftPadding: 10
+            rightPadding: choice.indicator.width + 10
+            text: choice.displayText
+            font: choice.font
+            color: Colorer.mainColor
+            verticalAlignment: Text.AlignVCenter
+            elide: Text.ElideRight
+        }
+        indicator: TintedIcon {
+            x: choice.width - width - 12
+            y: (choice.height - height) / 2
+            width: 14
+            height: 14
+            rotation: -90  // the back arrow, pointing down
+            name: "backarrow"
+            color: Colorer.mainColor
+        }
+        background: Rectangle {
+            radius: 8
+            color: "transparent"
+            border.color: Colorer.mainColor
+            border.width: choice.activeFocus ? 2 : 1
+        }
     }
 
     ScrollView {
@@ -105,6 +132,14 @@ Rectangle {
                 currentIndex: Math.max(0, sizes.indexOf(vc.bufferFrames))
                 accessibleName: qsTr("Buffer size")
                 onActivated: (index) => vc.bufferFrames = sizes[index]
+            }
+            Text {
+                text: vc.audioNow
+                color: Colorer.mainColor
+                opacity: 0.8
+                font.pixelSize: 13
+                wrapMode: Text.Wrap
+                Layout.fillWidth: true
             }
 
             Text {

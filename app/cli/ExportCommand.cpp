@@ -27,6 +27,9 @@
 #include "screens/kit/KitSetup.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_ExportPlugin)
+// The filmed loop grid is the loop editor's loop view; that module needs the lists'.
+Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 
 namespace {
 
@@ -184,15 +187,18 @@ int runExport(CliContext& context) {
     progress.finish();
     vc.cancelPressed();  // stops what still plays and removes the scratch files
     if (view) {
-        // Let the scene graph free the pictures' textures before the window goes.
+        // The scene graph keeps one texture per decoded photo, and frees it
+        // only in a frame rendered after the photo itself is gone. So, in this
+        // order: delete the picture; drop the photos the image cache keeps
+        // for reuse (releaseResources); render one last frame; then close.
+        // Hiding the window first, or closing it at once, left every photo's
+        // texture and pixels (650 KB for a loop of six) alive until exit.
         vc.setFilmedItem(nullptr);
-        view->hide();
         view->setSource(QUrl());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         view->releaseResources();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QCoreApplication::processEvents();
+        view->grabWindow();
         view.reset();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     std::printf("%s\n", result.toUtf8().constData());
     return isFailure(result) ? 1 : 0;

@@ -23,6 +23,9 @@
 #include "screens/kit/KitSetup.h"
 
 Q_IMPORT_QML_PLUGIN(Quillo_ExportPlugin)
+// The filmed loop grid is the loop editor's loop view; that module needs the lists'.
+Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
+Q_IMPORT_QML_PLUGIN(Quillo_ListsPlugin)
 
 namespace {
 

@@ -55,7 +55,7 @@ void LoopView::changeInstrColorToDarkerIfSameAs(int colorNumber) {
 }
 
 void LoopView::setTileSounding(int instrument, bool sounding) {
-    if (instrument < 0 || instrument >= kSlots) return;
+    if (instrument < 0 || instrument >= count()) return;  // no tile there
     const int mask = sounding ? m_sounding | (1 << instrument) : m_sounding & ~(1 << instrument);
     if (mask == m_sounding) return;
     m_sounding = mask;

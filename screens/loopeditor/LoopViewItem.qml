@@ -1,5 +1,7 @@
 // A loop at a glance: its instruments' tiles laid out by the layout functions
 // for instrument i of n, each in its sound's colour, with the photo when shown.
+// The tiles of instruments whose sound is sounding shrink to the sounding
+// size until their note stops.
 pragma ComponentBehavior: Bound
 
 import QtQuick
@@ -33,6 +35,7 @@ Item {
             width: place.width
             height: place.height
             color: root.loopView.colors[index]
+            radius: Math.min(width, height) * 0.12  // as the loop editor's tiles
             scale: (root.loopView.sounding & (1 << index)) !== 0 ? 0.75 : 1  // the kit's sounding size
             Behavior on scale { NumberAnimation { duration: Animator.choiceButtonTime * 1000 } }
 

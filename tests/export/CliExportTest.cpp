@@ -20,10 +20,6 @@ CliRun cli(const QTemporaryDir& dir, const QStringList& args) {
     env.insert("XDG_CONFIG_HOME", dir.filePath("config"));  // no mail account set up
     env.insert("XDG_STATE_HOME", dir.filePath("state"));
     env.insert("QT_QPA_PLATFORM", "offscreen");
-    // Under AddressSanitizer the filming program still ends with the photo
-    // tiles' scene-graph textures unfreed (about 650 KB, all inside Qt); the
-    // leak check of the child is off until that is found, the rest stays on.
-    env.insert("ASAN_OPTIONS", "detect_leaks=0");
     p.setProcessEnvironment(env);
     p.setWorkingDirectory(dir.path());
     p.start(QUILLO_CLI_PATH, QStringList{"--library", dir.filePath("library")} + args);

@@ -95,6 +95,12 @@ TEST_F(ExportTest, LoopAndTrackSettingsFollowTheirRules) {
     EXPECT_TRUE(t.saveOrSendVisible() && !t.repeatsVisible());
     t.audioVideoChanged(0);
     EXPECT_FALSE(t.saveOrSendVisible());
+    // Given the item itself, as the command line does, the filmed picture
+    // still learns it shows a track and its rows.
+    ExportVC given;
+    given.initWithContnt(t.content());
+    EXPECT_EQ(given.kind(), "track");
+    EXPECT_EQ(given.trackColors().size(), 1);
 
     LogCapture log;
     capture();  // two squares of a one-hit loop at 120 bpm
@@ -114,7 +120,14 @@ TEST_F(ExportTest, LoopSavedAsSoundIsTrimmedToItsSoundAndNamedUniquely) {
     ExportVC& vc = screen("loop", "Beat");
     vc.repeatsChanged(3);    // 8 bars
     vc.saveOrSendChanged(0);  // make a sound
+    // The loop's grid (what a video films) pulses with every hit.
+    ASSERT_EQ(vc.loopView()->count(), 1);
+    int pulses = 0;
+    QObject::connect(vc.loopView(), &LoopView::soundingChanged,
+                     [&] { pulses += (vc.loopView()->sounding() & 1) ? 1 : 0; });
     capture();
+    EXPECT_EQ(pulses, 16);
+    EXPECT_EQ(vc.loopView()->sounding(), 0) << "at rest once the capture ended";
     // 8 bars x 16 steps, reported by every channel the player has.
     ASSERT_EQ(app->loopplayers().size(), 1u);
     int channels = 0;

@@ -158,3 +158,28 @@ TEST_F(PlayerLifetime, ReportHandlerStopsPlayersWhileAnotherStopWaits) {
     EXPECT_TRUE(context.loopplayers.empty());
     EXPECT_TRUE(context.trackplayers.empty());
 }
+
+// Another device or buffer size chosen in the settings while a loop plays:
+// the device reopens under the player, which keeps its channels and goes on
+// reporting steps.
+TEST_F(PlayerLifetime, ALoopKeepsPlayingWhileTheDeviceIsReopened) {
+    useNullDevice();
+    Track* track = twoRowTrack(1);
+    Watched screen;
+    LoopplayerMainThreadDelegate bridge(controller.get(), &screen);
+    auto loop = Loopplayer::create(track->trackloops()[0]->loop(), &bridge, &context);
+    auto stepsAfter = [&](int before) {
+        for (int i = 0; i < 40 && screen.calls.load() <= before; ++i) playFor(std::chrono::milliseconds(50));
+        return screen.calls.load() > before;
+    };
+    ASSERT_TRUE(stepsAfter(0));
+    const size_t channels = controller->channels().size();
+
+    ASSERT_TRUE(controller->switchDevices({"", "", 1024}));
+    EXPECT_NEAR(controller->preferredBufferDuration(), 1024 / 44100.0, 1e-9);
+    const int atSwitch = screen.calls.load();
+    EXPECT_TRUE(stepsAfter(atSwitch + 8)) << "the loop plays on after the switch";
+    EXPECT_EQ(controller->channels().size(), channels);
+    EXPECT_EQ(context.loopplayers.size(), 1u);
+    Loopplayer::stopLoop(loop);
+}

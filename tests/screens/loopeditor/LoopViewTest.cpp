@@ -44,4 +44,24 @@ TEST_F(LoopViewTest, TilesFollowTheLoopTheirPhotosAndClashingColours) {
     EXPECT_EQ(view.colors()[0], KitColorer::colorForNumber(40));
 }
 
+TEST_F(LoopViewTest, SoundingTilesFollowTheNoteReportsAndRestWithANewLoop) {
+    Loop* three = builtIn({{"S1", "1---", 100}, {"S2", "1---", 100}, {"S3", "1---", 100}});
+    LoopView view;
+    view.changeInstrumentsForNewLoop(three);
+    EXPECT_EQ(view.sounding(), 0);
+    view.setTileSounding(2, true);
+    view.setTileSounding(7, true);  // no tile there
+    view.setTileSounding(-1, true);
+    EXPECT_EQ(view.sounding(), 0b100);
+    view.setTileSounding(0, true);
+    view.setTileSounding(2, false);
+    EXPECT_EQ(view.sounding(), 0b001);
+
+    view.changeInstrumentsForNewLoop(builtIn({{"S1", "1---", 100}}));
+    EXPECT_EQ(view.sounding(), 0);
+    view.setTileSounding(0, true);
+    view.stopAllSounding();
+    EXPECT_EQ(view.sounding(), 0);
+}
+
 }  // namespace
