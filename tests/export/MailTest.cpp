@@ -224,7 +224,10 @@ TEST_F(MailTest, SoundsFoldersAndLoopsArriveWithTheirAttachments) {
     movie.write(m3.parts[1].body);
     movie.close();
     const ProbedMovie probed = ffprobe(movie.fileName().toStdString());
-    EXPECT_TRUE(probed.stream("video") && probed.stream("audio"));
+    std::string streams;
+    for (const ProbedStream& stream : probed.streams) streams += stream.type + " " + stream.codec + "; ";
+    EXPECT_TRUE(probed.stream("video") && probed.stream("audio"))
+        << "streams: " << streams << "attachment of " << m3.parts[1].body.size() << " bytes";
 }
 
 TEST_F(MailTest, StartTlsWithAThrowAwayCertificate) {
