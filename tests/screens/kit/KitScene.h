@@ -13,26 +13,11 @@
 #include <memory>
 
 #include "screens/kit/KitSetup.h"
+#include "tests/screens/OffscreenApplication.h"
 #include "screens/kit/internal/ManualAnimationClock.h"
 
 namespace quillo::kit::testing {
 
-// One application per test program, offscreen, with a private runtime folder.
-class KitEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
-        static int argc = 1;
-        static char name[] = "test_screens_kit";
-        static char* argv[] = {name, nullptr};
-        app = std::make_unique<QGuiApplication>(argc, argv);
-    }
-    void TearDown() override { app.reset(); }
-
-    QTemporaryDir runtime;
-    std::unique_ptr<QGuiApplication> app;
-};
 
 class KitScene {
 public:

@@ -9,7 +9,7 @@ using quillo::kit::testing::KitScene;
 namespace {
 
 ::testing::Environment* const kEnvironment =
-    ::testing::AddGlobalTestEnvironment(new quillo::kit::testing::KitEnvironment);
+    ::testing::AddGlobalTestEnvironment(new OffscreenApplication);
 
 TEST(KitSceneTest, AnimatorPopsFromAlmostZeroAndShrinksASoundingTile) {
     KitScene scene;

@@ -13,7 +13,7 @@
 namespace {
 
 ::testing::Environment* const kEnvironment =
-    ::testing::AddGlobalTestEnvironment(new quillo::kit::testing::KitEnvironment);
+    ::testing::AddGlobalTestEnvironment(new OffscreenApplication);
 
 struct RecordingDelegate : NameAndFolderDelegate {
     void applyName(const QString& name, const QString& folder) override { calls << "apply " + name + " in " + folder; }

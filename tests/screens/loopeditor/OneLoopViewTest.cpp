@@ -12,7 +12,7 @@ Q_IMPORT_QML_PLUGIN(Quillo_LoopEditorPlugin)
 namespace {
 
 ::testing::Environment* const kEnvironment =
-    ::testing::AddGlobalTestEnvironment(new quillo::kit::testing::KitEnvironment);
+    ::testing::AddGlobalTestEnvironment(new OffscreenApplication);
 
 class OneLoopViewTest : public LoopEditorFixture {
 protected:

@@ -16,25 +16,10 @@
 #include "screens/soundeditor/SoundView.h"
 #include "tests/library/TestStore.h"
 #include "tests/recording/RecordingTestSupport.h"
+#include "tests/screens/OffscreenApplication.h"
 
 namespace soundeditortest {
 
-// One offscreen application per test program (QML, images, timers).
-class GuiEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
-        static int argc = 1;
-        static char name[] = "test_screens_soundeditor";
-        static char* argv[] = {name, nullptr};
-        app = std::make_unique<QGuiApplication>(argc, argv);
-    }
-    void TearDown() override { app.reset(); }
-
-    QTemporaryDir runtime;
-    std::unique_ptr<QGuiApplication> app;
-};
 
 inline bool fileExists(const std::string& path) { return std::filesystem::exists(path); }
 

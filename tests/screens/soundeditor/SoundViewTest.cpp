@@ -353,6 +353,6 @@ TEST_F(NullDeviceTest, ASilentTakeKeepsItsLengthAndBecomesASound) {
 
 int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
-    ::testing::AddGlobalTestEnvironment(new GuiEnvironment);
+    ::testing::AddGlobalTestEnvironment(new OffscreenApplication);
     return RUN_ALL_TESTS();
 }

@@ -8,7 +8,7 @@
 #include "tests/screens/trackeditor/TrackEditorHarness.h"
 
 namespace {
-::testing::Environment* const qt = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+::testing::Environment* const qt = ::testing::AddGlobalTestEnvironment(new OffscreenApplication);
 }
 
 using OneTrackVCTest = TrackEditorHarness;

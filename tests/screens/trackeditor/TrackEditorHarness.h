@@ -10,21 +10,8 @@
 #include "screens/trackeditor/OneTrackVC.h"
 #include "screens/trackeditor/internal/TrackFramr.h"
 #include "tests/playback/PlayerHarness.h"
+#include "tests/screens/OffscreenApplication.h"
 
-class QtEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
-        static int argc = 1;
-        static char name[] = "test_screens_trackeditor";
-        static char* argv[] = {name, nullptr};
-        app = std::make_unique<QGuiApplication>(argc, argv);
-    }
-    void TearDown() override { app.reset(); }
-    QTemporaryDir runtime;
-    std::unique_ptr<QGuiApplication> app;
-};
 
 class TrackEditorHarness : public PlayerHarness {
 protected:
