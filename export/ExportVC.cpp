@@ -274,18 +274,17 @@ void ExportVC::startPlayback() {
             qlog("Export: the loop \"%s\" has no sound to play", loop->name().c_str());
             return loopEndRepeating();
         }
-        if (video_) {
-            QQuickItem* view = filmedItem_;
-            const QSizeF size = view ? QSizeF(view->width(), view->height()) : Framr::ffExportLoopAllInstrV(format_).size();
-            viewRecorder_ = std::make_unique<ViewRecorder>(size, float(loop->bpm()), this);
-            if (view) {
-                viewRecorder_->startRecordingView(view, [this](const QUrl& url) {
-                    qlog("DONE WITH OUTPUT: %s", url.isEmpty() ? "(null)" : url.toString().toUtf8().constData());
-                    const std::string path = Filer::pathToTemporaryDocument(Filer::kTempGlvidName);
-                    qlog("file exist at path %s = %d", path.c_str(), QFile::exists(QString::fromStdString(path)) ? 1 : 0);
-                    viewRecorderCompletion();
-                });
-            }
+        // Without a view to film (headless) there is no recorder at all: one
+        // that never filmed would still write its empty movie to the file the
+        // still picture's movie is written to, racing it.
+        if (QQuickItem* view = filmedItem_; video_ && view) {
+            viewRecorder_ = std::make_unique<ViewRecorder>(QSizeF(view->width(), view->height()), float(loop->bpm()), this);
+            viewRecorder_->startRecordingView(view, [this](const QUrl& url) {
+                qlog("DONE WITH OUTPUT: %s", url.isEmpty() ? "(null)" : url.toString().toUtf8().constData());
+                const std::string path = Filer::pathToTemporaryDocument(Filer::kTempGlvidName);
+                qlog("file exist at path %s = %d", path.c_str(), QFile::exists(QString::fromStdString(path)) ? 1 : 0);
+                viewRecorderCompletion();
+            });
         }
     } else {
         trackBridge_ = std::make_unique<TrackplayerMainThreadDelegate>(app->audioController(),

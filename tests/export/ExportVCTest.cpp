@@ -233,6 +233,25 @@ TEST_F(ExportTest, VideosKeepTheirTrailingSilenceAndLandInTheVideosFolder) {
     EXPECT_TRUE(QFile::exists(QString::fromStdString(videos.file("Beat 2.mov"))));
 }
 
+// Headless, with no view to film, a loop video is its still picture joined
+// with the audio: no filming writer may race it for the movie's file.
+TEST_F(ExportTest, ALoopVideoWithNoViewToFilmIsMadeFromItsStillPicture) {
+    Sound* s = makeSound("Hit", hit(500), "Mine");
+    makeLoop("Beat", 120, {{s, "1---------------"}});
+    ExportVC& l = screen("loop", "Beat");
+    l.audioVideoChanged(1);
+    l.saveOrSendChanged(0);
+    LogCapture log;
+    capture();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(l.resultText(), "Video's saved");
+    // A filming writer would finish on its own thread soon after.
+    processEventsUntil([&] { return log.contains("markAsFinished"); }, 1.0);
+    EXPECT_FALSE(log.contains("markAsFinished"));
+    const ProbedMovie movie = ffprobe(videos.file("Beat.mov"));
+    EXPECT_TRUE(movie.stream("video") && movie.stream("audio"));
+}
+
 TEST_F(ExportTest, AVideoThatCannotBeSavedSaysSo) {
     Sound* s = makeSound("Hit", hit(500), "Mine");
     makeLoop("Beat", 120, {{s, "1---------------"}});

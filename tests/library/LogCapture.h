@@ -1,5 +1,6 @@
 #pragma once
 // Collects the log lines written while it lives.
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,9 @@ public:
     }
     ~LogCapture() { quillo_log::setSink(nullptr); }
     const std::vector<std::string>& lines() const { return lines_; }
+    // Safe while other threads log.
     bool contains(const std::string& text) const {
+        std::lock_guard<std::mutex> lock(quillo_log::mutex());
         for (const std::string& l : lines_) {
             if (l.find(text) != std::string::npos) return true;
         }
