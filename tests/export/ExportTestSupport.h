@@ -65,6 +65,18 @@ protected:
         return CoreDater::shIns().createPreloadedLoop(name, int16_t(bpm), list, "Test", "Tester");
     }
 
+    // "Beat": a hit of `frames` frames once a bar at 120 bpm.
+    Loop* oneHitBeat(size_t frames) {
+        return makeLoop("Beat", 120, {{makeSound("Hit", hit(frames), "Mine"), "1---------------"}});
+    }
+    // "Song": two bars at 120 bpm of the loop, in one row.
+    void songOf(Loop* loop) {
+        auto& d = CoreDater::shIns();
+        TrackLoop* row =
+            d.createTrackLoopWithLoop(loop, {d.loopSqrsWithSquares(Tacter::tacts("1---------------"))}, 100, 3);
+        d.createPreloadedTrack("Song", 120, 2, {row}, "X");
+    }
+
     // An export screen for the item whose delays wait in `pending`.
     ExportVC& screen(const QString& kind, const QString& name) {
         vc = std::make_unique<ExportVC>();
@@ -73,6 +85,14 @@ protected:
         vc->setName(name);
         QObject::connect(vc.get(), &ExportVC::removeExportVC, [this] { ++removed; });
         return *vc;
+    }
+    // The screen for "Beat" set to save a video, filming `filmed` when given.
+    ExportVC& beatVideoToSave(QQuickItem* filmed = nullptr) {
+        ExportVC& loop = screen("loop", "Beat");
+        if (filmed) loop.setFilmedItem(filmed);
+        loop.audioVideoChanged(1);
+        loop.saveOrSendChanged(0);
+        return loop;
     }
     // Runs the delayed task of `ms` milliseconds queued first.
     bool runDelayed(int ms) {

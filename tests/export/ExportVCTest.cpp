@@ -61,11 +61,7 @@ TEST_F(ExportTest, WhatEachKindOffers) {
 }
 
 TEST_F(ExportTest, LoopAndTrackSettingsFollowTheirRules) {
-    Sound* s = makeSound("Hit", hit(100), "Mine");
-    Loop* loop = makeLoop("Beat", 120, {{s, "1---------------"}});
-    auto& d = CoreDater::shIns();
-    TrackLoop* row = d.createTrackLoopWithLoop(loop, {d.loopSqrsWithSquares(Tacter::tacts("1---------------"))}, 100, 3);
-    d.createPreloadedTrack("Song", 120, 2, {row}, "X");
+    songOf(oneHitBeat(100));
 
     ExportVC& l = screen("loop", "Beat");
     EXPECT_TRUE(l.toMail() && !l.video() && l.repeats() == 1);
@@ -190,11 +186,7 @@ TEST_F(ExportTest, CancelDuringCaptureStopsEverythingAndRemovesScratchFiles) {
 }
 
 TEST_F(ExportTest, VideosKeepTheirTrailingSilenceAndLandInTheVideosFolder) {
-    Sound* s = makeSound("Hit", hit(500), "Mine");
-    Loop* loop = makeLoop("Beat", 120, {{s, "1---------------"}});
-    auto& d = CoreDater::shIns();
-    TrackLoop* row = d.createTrackLoopWithLoop(loop, {d.loopSqrsWithSquares(Tacter::tacts("1---------------"))}, 100, 3);
-    d.createPreloadedTrack("Song", 120, 2, {row}, "X");
+    songOf(oneHitBeat(500));
 
     // A track: its picture as a still movie, joined with the audio.
     ExportVC& t = screen("track", "Song");
@@ -213,10 +205,7 @@ TEST_F(ExportTest, VideosKeepTheirTrailingSilenceAndLandInTheVideosFolder) {
     QQuickItem item(window.contentItem());
     item.setSize(QSizeF(160, 160));
     window.show();
-    ExportVC& l = screen("loop", "Beat");
-    l.setFilmedItem(&item);
-    l.audioVideoChanged(1);
-    l.saveOrSendChanged(0);
+    ExportVC& l = beatVideoToSave(&item);
     capture();
     ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(l.resultText(), "Video's saved");
@@ -224,10 +213,7 @@ TEST_F(ExportTest, VideosKeepTheirTrailingSilenceAndLandInTheVideosFolder) {
     ASSERT_TRUE(loopMovie.stream("video") && loopMovie.stream("audio"));
     EXPECT_NEAR(loopMovie.stream("audio")->duration, 2.0, 0.1);
     // The same name again gets a number.
-    ExportVC& l2 = screen("loop", "Beat");
-    l2.setFilmedItem(&item);
-    l2.audioVideoChanged(1);
-    l2.saveOrSendChanged(0);
+    beatVideoToSave(&item);
     capture();
     ASSERT_TRUE(waitForEnd());
     EXPECT_TRUE(QFile::exists(QString::fromStdString(videos.file("Beat 2.mov"))));
@@ -236,11 +222,8 @@ TEST_F(ExportTest, VideosKeepTheirTrailingSilenceAndLandInTheVideosFolder) {
 // Headless, with no view to film, a loop video is its still picture joined
 // with the audio: no filming writer may race it for the movie's file.
 TEST_F(ExportTest, ALoopVideoWithNoViewToFilmIsMadeFromItsStillPicture) {
-    Sound* s = makeSound("Hit", hit(500), "Mine");
-    makeLoop("Beat", 120, {{s, "1---------------"}});
-    ExportVC& l = screen("loop", "Beat");
-    l.audioVideoChanged(1);
-    l.saveOrSendChanged(0);
+    oneHitBeat(500);
+    ExportVC& l = beatVideoToSave();
     LogCapture log;
     capture();
     ASSERT_TRUE(waitForEnd());
@@ -253,13 +236,10 @@ TEST_F(ExportTest, ALoopVideoWithNoViewToFilmIsMadeFromItsStillPicture) {
 }
 
 TEST_F(ExportTest, AVideoThatCannotBeSavedSaysSo) {
-    Sound* s = makeSound("Hit", hit(500), "Mine");
-    makeLoop("Beat", 120, {{s, "1---------------"}});
+    oneHitBeat(500);
     { std::ofstream(temp.file("file")) << "x"; }
     ExportVC::setVideosFolder(QString::fromStdString(temp.file("file") + "/Videos"));  // under a plain file
-    ExportVC& l = screen("loop", "Beat");
-    l.audioVideoChanged(1);
-    l.saveOrSendChanged(0);
+    ExportVC& l = beatVideoToSave();
     LogCapture log;
     capture();
     ASSERT_TRUE(waitForEnd());
